@@ -1,0 +1,7 @@
+# KELM_SANITIZE holds the list for -fsanitize=, for instance "address,undefined" or "thread".
+set(KELM_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as -fsanitize= takes them")
+
+if(KELM_SANITIZE)
+  add_compile_options(-fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KELM_SANITIZE})
+endif()
