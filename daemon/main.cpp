@@ -48,7 +48,7 @@ void signalHandler(int) {
 // A daemon that nobody can reach is of no use: its supervisor is to start another one. Nothing
 // waits to be written, and a worker in a slow command is not waited for.
 [[noreturn]] void exitWithoutBus() {
-    STBLogger_log(&kelmLogParams(), "", STB_LOG_ERROR, __LINE__, "daemon/main",
+    STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, "daemon/main",
                   "The connection to the session bus is lost, exiting");
     _exit(EXIT_FAILURE);
 }

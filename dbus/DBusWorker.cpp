@@ -25,7 +25,7 @@ std::string nameOwner(DBus::Connection& connection) {
 void warnWhenNameIsTaken(DBus::Connection& connection) {
     const std::string owner = nameOwner(connection);
     if (owner == connection.unique_name()) return;
-    STBLogger_log(&kelmLogParams(), "", STB_LOG_WARN, __LINE__, "dbus/DBusWorker",
+    STBLogger_log(kelmLogParams(), "", STBLogLevel::Warn, __LINE__, "dbus/DBusWorker",
                   "The name %s is owned by %s; serving as %s only", kServiceName, owner.c_str(),
                   connection.unique_name());
 }
