@@ -13,7 +13,9 @@ TEST(AddressTest, APrefixComesBeforeTheLongerPath) {
     EXPECT_FALSE(Address("Device.DeviceInfo.") < Address("Device."));
 }
 
-TEST(AddressTest, BytesAboveAsciiComeAfterIt) { EXPECT_LT(Address("z"), Address("\x80")); }
+TEST(AddressTest, BytesAboveAsciiComeAfterIt) {
+    EXPECT_LT(Address("z"), Address("\x80"));
+}
 
 TEST(AddressTest, EqualityLooksAtLengthAndBytes) {
     EXPECT_TRUE(Address("Device.") == Address(std::string("Device.")));

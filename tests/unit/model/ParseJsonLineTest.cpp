@@ -20,7 +20,9 @@ std::string shown(const NotifTable::NotifEntry& entry) {
     return entry.parameter + "|" + entry.value + "|" + entry.notification + "|" + entry.type;
 }
 
-std::string shown(const std::string& line) { return shown(parsed(line)); }
+std::string shown(const std::string& line) {
+    return shown(parsed(line));
+}
 
 constexpr char kUntouched[] = "p0|v0|n0|t0";
 
@@ -70,7 +72,8 @@ TEST(ParseJsonLineTest, WhatIsNoJsonLeavesAllTextsAsTheyWere) {
 }
 
 TEST(ParseJsonLineTest, JsonThatIsNoObjectLeavesAllTextsAsTheyWere) {
-    for (const char* line : {"null", "1", "true", R"("parameter")", R"(["parameter","a"])", "[]", "{}"}) {
+    for (const char* line :
+         {"null", "1", "true", R"("parameter")", R"(["parameter","a"])", "[]", "{}"}) {
         EXPECT_EQ(shown(line), kUntouched) << line;
     }
 }

@@ -106,7 +106,9 @@ TEST_F(StorageTest, RemovingAnObjectLeavesItsChildren) {
     EXPECT_TRUE(storage_.hasAddress(kUpTime));
 }
 
-TEST_F(StorageTest, RemovingAnUnknownAddressIsRefused) { EXPECT_FALSE(storage_.remove(kUpTime)); }
+TEST_F(StorageTest, RemovingAnUnknownAddressIsRefused) {
+    EXPECT_FALSE(storage_.remove(kUpTime));
+}
 
 TEST_F(StorageTest, RemovingLeavesTheRecordedChange) {
     storage_.set(kUpTime, Value(1LL));
