@@ -167,20 +167,21 @@ TEST(STBThreadTest, StartAfterStopRunsTheBodyAgain) {
 }
 
 TEST(STBThreadTest, StartForgetsTheLastCompletion) {
-    Event mayLeave;
-    BodyThread thread([&](BodyThread&) { mayLeave.wait(); });
-    mayLeave.set();
+    Event first;
+    Event second;
+    Event* mayLeave = &first;
+    BodyThread thread([&](BodyThread&) { mayLeave->wait(); });
+    first.set();
     thread.start();
     thread.stop();
     ASSERT_TRUE(thread.hasCompleted());
 
-    Event second;
-    BodyThread waiting([&](BodyThread&) { second.wait(); });
-    waiting.start();
-    EXPECT_FALSE(waiting.hasCompleted());
+    mayLeave = &second;
+    thread.start();
+    EXPECT_FALSE(thread.hasCompleted());
     second.set();
-    waiting.stop();
-    EXPECT_TRUE(waiting.hasCompleted());
+    thread.stop();
+    EXPECT_TRUE(thread.hasCompleted());
 }
 
 TEST(STBThreadTest, StartingTwiceLogsOnceAndKeepsTheFirstThread) {
