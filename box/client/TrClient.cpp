@@ -49,7 +49,8 @@ TrReply read(DBusMessage* message) {
     reply.ok = true;
     DBusMessageIter position;
     dbus_message_iter_init(message, &position);
-    if (dbus_message_iter_get_arg_type(&position) == DBUS_TYPE_STRING) reply.text = stringAt(position);
+    if (dbus_message_iter_get_arg_type(&position) == DBUS_TYPE_STRING)
+        reply.text = stringAt(position);
     if (dbus_message_iter_get_arg_type(&position) != DBUS_TYPE_ARRAY) return reply;
     DBusMessageIter element;
     dbus_message_iter_recurse(&position, &element);
@@ -105,8 +106,9 @@ TrReply TrClient::call(const TrCall& call) {
 TrClient::Pending TrClient::sendGetValue(const std::string& address) {
     DBusPendingCall* pending = nullptr;
     if (!connection_) return nullptr;
-    dbus_connection_send_with_reply(connection_.get(), build({kInterface, "get_value", {address}}).get(),
-                                    &pending, kTimeoutMilliseconds);
+    dbus_connection_send_with_reply(connection_.get(),
+                                    build({kInterface, "get_value", {address}}).get(), &pending,
+                                    kTimeoutMilliseconds);
     dbus_connection_flush(connection_.get());
     return Pending(pending);
 }
@@ -119,18 +121,30 @@ TrReply TrClient::set(const std::string& address, const std::string& value) {
     return own("set", {address, value});
 }
 
-TrReply TrClient::getValue(const std::string& address) { return own("get_value", {address}); }
+TrReply TrClient::getValue(const std::string& address) {
+    return own("get_value", {address});
+}
 
-TrReply TrClient::getWritable(const std::string& address) { return own("getWritable", {address}); }
+TrReply TrClient::getWritable(const std::string& address) {
+    return own("getWritable", {address});
+}
 
 TrReply TrClient::getForcedInform(const std::string& address) {
     return own("getForcedInform", {address});
 }
 
-TrReply TrClient::listAddresses() { return own("listAddresses"); }
+TrReply TrClient::listAddresses() {
+    return own("listAddresses");
+}
 
-TrReply TrClient::listParametersOnly() { return own("listParametersOnly"); }
+TrReply TrClient::listParametersOnly() {
+    return own("listParametersOnly");
+}
 
-TrReply TrClient::updateNotifTable() { return own("updateNotifTable"); }
+TrReply TrClient::updateNotifTable() {
+    return own("updateNotifTable");
+}
 
-TrReply TrClient::checkValueChange() { return own("checkValueChange"); }
+TrReply TrClient::checkValueChange() {
+    return own("checkValueChange");
+}

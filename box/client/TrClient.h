@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-/// What came back for one call. A refused or lost call has `ok` false and the D-Bus error's name and text.
+/// What came back for one call. A refused or lost call has `ok` false and the D-Bus error's name
+/// and text.
 struct TrReply {
     bool ok = false;
     std::string errorName;
@@ -15,15 +16,16 @@ struct TrReply {
     std::vector<std::string> list;  ///< the reply's strings, if it is an array
 };
 
-/// A call put together by hand: no interface at all when it is null, any number of string arguments.
+/// A call put together by hand: no interface at all when it is null, any number of string
+/// arguments.
 struct TrCall {
     const char* interface;
     std::string member;
     std::vector<std::string> arguments;
 };
 
-/// A client of the daemon on a connection of its own. Blocking; one thread at a time. Failures show in the
-/// reply, an unreachable bus included; nothing throws.
+/// A client of the daemon on a connection of its own. Blocking; one thread at a time. Failures show
+/// in the reply, an unreachable bus included; nothing throws.
 class TrClient {
   public:
     /// \p service is the daemon's bus name, well-known or unique.
