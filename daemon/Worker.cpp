@@ -1,0 +1,67 @@
+#include "daemon/Worker.h"
+
+#include "model/Storage.h"
+#include "providers/DeviceInfoDataProvider.h"
+#include "providers/StaticDataProvider.h"
+
+namespace TR {
+
+namespace {
+
+constexpr unsigned kPassMilliseconds = 100;
+constexpr std::time_t kCycleSeconds = 5;
+
+}  // namespace
+
+Worker::Worker(Storage* storage) : storage_(storage) {}
+
+Worker::~Worker() {
+    shutdown();
+}
+
+void Worker::start() {
+    startThread(nullptr);
+}
+
+void Worker::stop() {
+    stopThread();
+}
+
+bool Worker::isOnline() const {
+    return isRunning() && !hasCompleted();
+}
+
+void Worker::run() {
+    createProviders();
+    initProviders();
+    while (isRunning()) {
+        if (cycleIsDue()) runCycle();
+        sleepMs(kPassMilliseconds);
+    }
+}
+
+void Worker::createProviders() {
+    staticProvider_ = std::make_unique<StaticDataProvider>(storage_);
+    deviceInfoProvider_ = std::make_unique<DeviceInfoDataProvider>(storage_);
+}
+
+void Worker::initProviders() {
+    staticProvider_->updateValues();
+    deviceInfoProvider_->init();
+}
+
+bool Worker::cycleIsDue() const {
+    return (NSTime::nowRelative() - lastUpdate_).toTimeT() >= kCycleSeconds;
+}
+
+void Worker::runCycle() {
+    deviceInfoProvider_->updateValues();
+    // What is recorded between the copy and the clear is not notified. Only this thread's providers
+    // record changes, so nothing is today.
+    storage_->getNotifTable().tryTriggerNotify(storage_->updates());
+    storage_->clearUpdates();
+    // Taken after the cycle, so that a slow one is followed by five quiet seconds.
+    lastUpdate_ = NSTime::nowRelative();
+}
+
+}  // namespace TR

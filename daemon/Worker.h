@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+
+#include "stb/src/common/NSTime.h"
+#include "stb/src/common/STBThread.h"
+
+namespace TR {
+
+class DeviceInfoDataProvider;
+class StaticDataProvider;
+class Storage;
+
+/// The data-collection thread: makes the providers, lets each fill the store once and then every
+/// five seconds, and hands what changed in a cycle to the notification table. `start`, `stop` and
+/// `isOnline` are called by main; everything else happens on the thread itself. The store is
+/// borrowed and outlives the worker.
+class Worker : public STBThread {
+  public:
+    explicit Worker(Storage* storage);
+    /// Joins the thread, then destroys the providers in the reverse of their order.
+    ~Worker() override;
+
+    void start();
+    /// Asks the loop to end and waits for it; a cycle under way finishes first.
+    void stop();
+    /// False once a stop was asked for, or when the thread has ended by itself.
+    bool isOnline() const;
+
+    void run() override;
+
+  private:
+    void createProviders();
+    void initProviders();
+    bool cycleIsDue() const;
+    void runCycle();
+
+    Storage* storage_;
+    std::unique_ptr<StaticDataProvider> staticProvider_;
+    std::unique_ptr<DeviceInfoDataProvider> deviceInfoProvider_;
+    NSTime lastUpdate_;  ///< monotonic, the end of the last cycle
+};
+
+}  // namespace TR

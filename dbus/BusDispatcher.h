@@ -1,0 +1,60 @@
+#pragma once
+
+#include <dbus-c++/dbus.h>
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+#include "stb/inc/private/pthread_helper.h"
+
+namespace TR {
+
+/// The binding's dispatcher with a loop of its own. The binding's loop spins for ever when it is
+/// left before it is entered, and spins or sleeps for ever when the bus dies; this one remembers
+/// `leave()` and ends when the bus hangs up. Serves one connection; `enter()` and the watch
+/// operations run on the D-Bus thread, `leave()` and `isBusLost()` on any.
+class BusDispatcher : public DBus::BusDispatcher {
+  public:
+    /// Throws std::system_error when no descriptor is to be had.
+    BusDispatcher();
+    ~BusDispatcher();
+    BusDispatcher(const BusDispatcher&) = delete;
+    BusDispatcher& operator=(const BusDispatcher&) = delete;
+
+    /// Serves the connection until `leave()` was called, before or meanwhile, or the bus is lost.
+    void enter() override;
+    /// Ends `enter()`, also one that has not begun yet; may be called again.
+    void leave() override;
+    /// Takes back an earlier `leave()`; before a new start, while nobody is in `enter()`.
+    void rearm();
+
+    /// True when the other end of the connection is gone. Looks at the socket itself, so that it
+    /// tells also while the D-Bus thread is busy with a call.
+    bool isBusLost();
+
+    DBus::Watch* add_watch(DBus::Watch::Internal* internal) override;
+    void rem_watch(DBus::Watch* watch) override;
+
+  private:
+    /// libdbus asks for its state before each poll; nothing needs to be kept of a toggle.
+    struct BusWatch : DBus::Watch {
+        using DBus::Watch::Watch;
+        void toggle() override {}
+    };
+
+    bool waitAndHandle();
+    void handle(BusWatch* watch, short events);
+    void forgetDescriptor();
+
+    const int wakeDescriptor_;  ///< eventfd, owned
+    std::atomic<bool> leaving_{false};
+    std::atomic<bool> busLost_{false};
+    std::vector<std::unique_ptr<BusWatch>> watches_;  ///< D-Bus thread only
+    /// Guards the descriptor: libdbus takes its watches back before it closes it, and waits here
+    /// while another thread looks at it.
+    pthread_helper::mutex descriptorMutex_;
+    int busDescriptor_ = -1;  ///< libdbus's, borrowed
+};
+
+}  // namespace TR

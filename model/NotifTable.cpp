@@ -1,0 +1,99 @@
+#include "model/NotifTable.h"
+
+#include <json-c/json.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <utility>
+
+#include "stb/src/common/Utils.h"
+
+namespace TR {
+
+namespace {
+
+constexpr char kNotificationFile[] = "/tmp/.easycwmp_notif_param_value";
+constexpr char kNotifyCommand[] = "ubus -t 1 call tr069 notify";
+
+struct JsonRelease {
+    void operator()(json_object* object) const { json_object_put(object); }
+};
+using JsonPointer = std::unique_ptr<json_object, JsonRelease>;
+
+std::string jsonText(json_object* member) {
+    if (member == nullptr) return "null";  // json-c's stand-in for a JSON null
+    const char* text = json_object_get_string(member);
+    if (text == nullptr) return {};
+    if (!json_object_is_type(member, json_type_string)) return text;
+    // A string may hold U+0000, which its length knows of and its terminator does not.
+    return {text, static_cast<std::size_t>(json_object_get_string_len(member))};
+}
+
+bool readMember(json_object* object, const char* key, std::string& text) {
+    json_object* member = nullptr;
+    if (json_object_object_get_ex(object, key, &member) == 0) return false;
+    text = jsonText(member);
+    return true;
+}
+
+}  // namespace
+
+void NotifTable::update() {
+    table_.clear();
+    for (const std::string& line : Utils::getFileContents(kNotificationFile, 0)) {
+        NotifEntry entry;
+        parseJsonLine(line, entry.parameter, entry.value, entry.notification, entry.type);
+        table_.push_back(std::move(entry));
+    }
+}
+
+void NotifTable::parseJsonLine(const std::string& line, std::string& parameter, std::string& value,
+                               std::string& notification, std::string& type) {
+    const JsonPointer object(json_tokener_parse(line.c_str()));
+    if (!object) return;
+    const std::pair<const char*, std::string*> members[] = {{"parameter", &parameter},
+                                                            {"value", &value},
+                                                            {"notification", &notification},
+                                                            {"type", &type}};
+    for (const auto& [key, text] : members) {
+        if (!readMember(object.get(), key, *text)) return;
+    }
+}
+
+std::string NotifTable::checkValueChange() const {
+    std::ostringstream lines;
+    for (const NotifEntry& change : pendingChanges_) lines << change << '\n';
+    return lines.str();
+}
+
+void NotifTable::tryTriggerNotify(const std::map<Address, Value>& updates) {
+    const pthread_helper::scoped_lock lock(mutex_);
+    pendingChanges_.clear();
+    for (const NotifEntry& entry : table_) {
+        const Address watched(entry.parameter);
+        const auto change = std::find_if(updates.begin(), updates.end(), [&](const auto& update) {
+            return update.first == watched;
+        });
+        if (change == updates.end()) continue;
+        pendingChanges_.push_back(entry);
+        pendingChanges_.back().value = change->second.toString();
+    }
+    if (!pendingChanges_.empty()) triggerNotify();
+}
+
+void NotifTable::triggerNotify() {
+    // The client answers with checkValueChange; when it does not run, the changes wait for it.
+    [[maybe_unused]] const int ignored = std::system(kNotifyCommand);
+}
+
+std::ostream& operator<<(std::ostream& stream, const NotifTable::NotifEntry& entry) {
+    stream << R"({ "parameter": ")" << entry.parameter << R"(", "value": ")" << entry.value
+           << R"(", "notification": ")" << entry.notification << '"';
+    if (!entry.type.empty()) stream << R"(, "type": ")" << entry.type << '"';
+    return stream << " }";
+}
+
+}  // namespace TR

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "model/Address.h"
+#include "model/NotifTable.h"
+#include "model/Value.h"
+#include "stb/inc/private/pthread_helper.h"
+
+namespace TR {
+
+/// The one tree of parameters: every address with its value, the changes since the last cycle, and
+/// the notification table. The worker thread's providers write it, the D-Bus thread reads and
+/// writes it. No operation locks: the caller holds `getStorageMutex()` for the whole of what it
+/// does, except that the change map belongs to the worker thread alone (only `set` adds to it, and
+/// only providers call `set`).
+class Storage {
+  public:
+    Storage() = default;
+    Storage(const Storage&) = delete;
+    Storage& operator=(const Storage&) = delete;
+
+    /// Replaces the value at the address whole, settings included. True when this was recorded as a
+    /// change: the entry had a type before and its type or elements differ. The first fill never is
+    /// one.
+    bool set(const Address& address, const Value& value);
+
+    /// Replaces the elements only; false when the address is unknown or the types differ. Records
+    /// nothing.
+    bool setWithCheck(const Address& address, const Value& value);
+
+    bool hasAddress(const Address& address) const;
+
+    /// The stored value; an unknown address gets an `Undefined` entry. The reference lives until
+    /// the entry is removed.
+    Value& operator[](const Address& address);
+
+    /// Erases exactly this entry, not its children, not its recorded change. False when it is
+    /// unknown.
+    bool remove(const Address& address);
+
+    /// The current value: of a file-backed parameter the file's content, of a UCI-backed one what
+    /// uci prints without the white space at its end (each a plain `String`, empty when there is
+    /// none), else a full copy. `Undefined`, and no new entry, for an unknown address. Runs a
+    /// command and reads files.
+    Value getValueCopy(const Address& address) const;
+
+    /// Every address, in order.
+    std::vector<Address> listAddresses() const;
+    /// Every address that is no object node, in order.
+    std::vector<Address> listParametersOnly() const;
+
+    /// Copy of the newest value of each parameter that changed since `clearUpdates()`.
+    std::map<Address, Value> updates() const { return updates_; }
+    void clearUpdates() { updates_.clear(); }
+
+    pthread_helper::mutex& getStorageMutex() { return storageMutex_; }
+    /// Handed out for callers that must not wait for the store; nothing in the daemon takes it.
+    pthread_helper::mutex& getUpdatesMutex() { return updatesMutex_; }
+    NotifTable& getNotifTable() { return notifTable_; }
+
+  private:
+    std::map<Address, Value> values_;
+    std::map<Address, Value> updates_;
+    NotifTable notifTable_;
+    pthread_helper::mutex storageMutex_;
+    pthread_helper::mutex updatesMutex_;
+};
+
+}  // namespace TR

@@ -1,0 +1,222 @@
+#include "providers/DeviceInfoDataProvider.h"
+
+#include <ifaddrs.h>
+#include <netpacket/packet.h>
+#include <sys/socket.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "model/Storage.h"
+#include "stb/src/common/Format.h"
+#include "stb/src/common/Trim.h"
+#include "stb/src/common/Utils.h"
+
+namespace TR {
+
+namespace {
+
+const std::string kPrefix = "Device.DeviceInfo.";
+
+constexpr char kIdentityInterface[] = "eth0";
+constexpr std::size_t kOuiDigits = 6;
+
+struct Free {
+    void operator()(char* buffer) const { std::free(buffer); }
+};
+
+// The link-layer entry of an interface list; the kernel's own statistics hang on its data pointer.
+bool isLinkEntry(const ifaddrs& entry, const char* name) {
+    return std::strcmp(entry.ifa_name, name) == 0 && entry.ifa_addr != nullptr &&
+           entry.ifa_addr->sa_family == AF_PACKET && entry.ifa_data != nullptr;
+}
+
+std::string hardwareAddress(const ifaddrs& entry) {
+    sockaddr_ll link;
+    std::memcpy(&link, entry.ifa_addr, sizeof link);
+    const unsigned char* byte = link.sll_addr;
+    return Utils::toUpperString(Utils::format("%02x%02x%02x%02x%02x%02x", byte[0], byte[1], byte[2],
+                                              byte[3], byte[4], byte[5]));
+}
+
+}  // namespace
+
+namespace DeviceInfo {
+
+std::string upTime(const std::string& procUptime) {
+    const std::size_t point = procUptime.find('.');
+    return point == std::string::npos ? std::string() : procUptime.substr(0, point);
+}
+
+std::string memoryStatus(const std::string& procMeminfo, const std::string& key) {
+    // A missing key makes npos + length wrap round, on purpose (see the header).
+    const std::size_t start = procMeminfo.find(key) + key.length();
+    const std::size_t end = procMeminfo.find("kB", start);
+    return Utils::trim(procMeminfo.substr(start, end - start));
+}
+
+std::string manufacturerOui(const std::string& macAddress) {
+    return macAddress.size() < kOuiDigits ? std::string() : macAddress.substr(0, kOuiDigits);
+}
+
+}  // namespace DeviceInfo
+
+void DeviceInfoDataProvider::init() {
+    if (storage() == nullptr) return;
+    const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
+    const auto set = [this](const char* name, const Value& value) {
+        storage()->set(Address(kPrefix + name), value);
+    };
+    set("", Value::Object());
+    initIdentity();
+    set("MemoryStatus.", Value::Object());
+    set("MemoryStatus.Total", Value(memoryStatusTotal()));
+    set("MemoryStatus.Free", Value(memoryStatusFree()));
+    set("X_Kelm_ChipID", Value(xKelmChipId()));
+    set("ProcessStatus.", Value::Object());
+    set("TemperatureStatus.", Value::Object());
+    set("TemperatureStatus.TemperatureSensor.1.Name", Value(temperatureName()));
+}
+
+void DeviceInfoDataProvider::initIdentity() {
+    setupForcedInform(kPrefix + "SpecVersion", Value(specVersion()));
+    setupForcedInform(kPrefix + "Description", Value(description()));
+    setupStoredInConfig(kPrefix + "ProvisioningCode", "easycwmp.@local[0].provisioning_code");
+    setupForcedInform(kPrefix + "Manufacturer", Value(manufacturer()));
+    setupForcedInform(kPrefix + "ManufacturerOUI", Value(manufacturerOui()));
+    setupForcedInform(kPrefix + "ProductClass", Value(productClass()));
+    setupForcedInform(kPrefix + "SerialNumber", Value(serialNumber()));
+    setupForcedInform(kPrefix + "HardwareVersion", Value(hardwareVersion()));
+    setupForcedInform(kPrefix + "SoftwareVersion", Value(softwareVersion()));
+    setupForcedInform(kPrefix + "ModelName", Value(modelName()));
+}
+
+bool DeviceInfoDataProvider::updateValues() {
+    return load() && store();
+}
+
+bool DeviceInfoDataProvider::load() {
+    return true;
+}
+
+bool DeviceInfoDataProvider::store() {
+    if (storage() == nullptr) return false;
+    const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
+    const auto set = [this](const char* name, const Value& value) {
+        storage()->set(Address(kPrefix + name), value);
+    };
+    set("UpTime", Value(upTime()));
+    set("TemperatureStatus.TemperatureSensor.1.Value", Value(temperatureValue()));
+    // Counted twice a refresh and the second count stands: field figures have always been taken
+    // this way.
+    set("ProcessStatus.ProcessNumberOfEntries", Value(processNumberOfEntries()));
+    set("ProcessStatus.ProcessNumberOfEntries", Value(processNumberOfEntries()));
+    set("DeviceLog", Value(deviceLog()));
+    return true;
+}
+
+void DeviceInfoDataProvider::setupForcedInform(const std::string& path, const Value& value) {
+    storage()->set(Address(path), value);
+    (*storage())[Address(path)].setForcedInform(true);
+}
+
+void DeviceInfoDataProvider::setupStoredInConfig(const std::string& path,
+                                                 const std::string& configPath) {
+    storage()->set(Address(path), Value(std::string()));
+    (*storage())[Address(path)].setMutableByUser(true);
+    (*storage())[Address(path)].setPathInConfig(configPath);
+}
+
+std::string DeviceInfoDataProvider::specVersion() const {
+    return "1.0";
+}
+
+std::string DeviceInfoDataProvider::manufacturer() const {
+    return "KELM";
+}
+
+std::string DeviceInfoDataProvider::productClass() const {
+    return "STB";
+}
+
+std::string DeviceInfoDataProvider::temperatureName() const {
+    return "CPU";
+}
+
+std::string DeviceInfoDataProvider::macAddress() const {
+    ifaddrs* list = nullptr;
+    if (getifaddrs(&list) != 0) return {};
+    const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(list, freeifaddrs);
+    std::string address;
+    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
+        if (isLinkEntry(*entry, kIdentityInterface)) address = hardwareAddress(*entry);
+    }
+    return address;
+}
+
+std::string DeviceInfoDataProvider::serialNumber() const {
+    return macAddress();
+}
+
+std::string DeviceInfoDataProvider::manufacturerOui() const {
+    return DeviceInfo::manufacturerOui(macAddress());
+}
+
+std::string DeviceInfoDataProvider::hardwareVersion() const {
+    return Utils::getCmdOutput("chipid_tool hwrev && chipid_tool pertype");
+}
+
+std::string DeviceInfoDataProvider::softwareVersion() const {
+    return Utils::getFileContent("/etc/kelm_firmware.version");
+}
+
+std::string DeviceInfoDataProvider::xKelmChipId() const {
+    return Utils::getCmdOutput("chipid_tool");
+}
+
+std::string DeviceInfoDataProvider::deviceId() const {
+    return Utils::trim(Utils::getFileContent("/etc/kelm_deviceid"));
+}
+
+std::string DeviceInfoDataProvider::modelName() const {
+    return deviceId();
+}
+
+std::string DeviceInfoDataProvider::description() const {
+    return "KELM Orbit " + deviceId();
+}
+
+std::string DeviceInfoDataProvider::upTime() const {
+    return DeviceInfo::upTime(Utils::getFileContent("/proc/uptime"));
+}
+
+std::string DeviceInfoDataProvider::memoryStatus(const std::string& key) const {
+    return DeviceInfo::memoryStatus(readMemInfo(), key);
+}
+
+std::string DeviceInfoDataProvider::memoryStatusTotal() const {
+    return memoryStatus("MemTotal:");
+}
+
+std::string DeviceInfoDataProvider::memoryStatusFree() const {
+    return memoryStatus("MemFree:");
+}
+
+std::string DeviceInfoDataProvider::processNumberOfEntries() const {
+    return Utils::trim(Utils::getCmdOutput("ps | wc -l"));
+}
+
+std::string DeviceInfoDataProvider::temperatureValue() const {
+    return Utils::trim(Utils::getFileContent("/sys/class/thermal/thermal_zone0/temp"));
+}
+
+std::string DeviceInfoDataProvider::deviceLog() const {
+    std::unique_ptr<char, Free> logs(getLogs());
+    if (!logs) return {};
+    const std::string text(logs.get());
+    logs.reset();  // logs run to megabytes on a small box; keep one copy less while escaping
+    return Utils::escapeForJson(text);
+}
+
+}  // namespace TR

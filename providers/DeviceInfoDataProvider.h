@@ -1,0 +1,72 @@
+#pragma once
+
+#include <string>
+
+#include "model/Value.h"
+#include "providers/BaseDataProvider.h"
+
+namespace TR {
+
+namespace DeviceInfo {
+
+/// Whole seconds since boot, from the text of /proc/uptime (seconds with a fraction, twice); empty
+/// when there is no point in it.
+std::string upTime(const std::string& procUptime);
+
+/// The number of kilobytes after \p key (such as "MemTotal:") in the text of /proc/meminfo. A
+/// missing key is not looked for: the text is then read from the key's length on, and
+/// std::out_of_range leaves when it is shorter than that. The kernel always writes both keys that
+/// are asked for.
+std::string memoryStatus(const std::string& procMeminfo, const std::string& key);
+
+/// The first six of a hardware address's digits; empty when there are fewer.
+std::string manufacturerOui(const std::string& macAddress);
+
+}  // namespace DeviceInfo
+
+/// `Device.DeviceInfo.`: the identity that every Inform carries, the provisioning code that the ACS
+/// writes (kept in UCI), and live figures: up time, temperature, processes, the system log. Every
+/// value is a text. Identity and memory figures are read once, at start. Holds the store mutex for
+/// the whole of `init()` and `store()`, commands and log files included.
+class DeviceInfoDataProvider : public BaseDataProvider {
+  public:
+    using BaseDataProvider::BaseDataProvider;
+
+    /// Creates what is read once; called once, before the first refresh. Without a store it does
+    /// nothing.
+    void init();
+
+    bool updateValues() override;
+    bool load() override;
+    /// Writes the four live figures; false without a store.
+    bool store() override;
+
+  private:
+    std::string specVersion() const;
+    std::string manufacturer() const;
+    std::string productClass() const;
+    std::string temperatureName() const;
+    std::string macAddress() const;
+    std::string serialNumber() const;
+    std::string manufacturerOui() const;
+    std::string hardwareVersion() const;
+    std::string softwareVersion() const;
+    std::string xKelmChipId() const;
+    std::string deviceId() const;
+    std::string modelName() const;
+    std::string description() const;
+    std::string upTime() const;
+    std::string memoryStatus(const std::string& key) const;
+    std::string memoryStatusTotal() const;
+    std::string memoryStatusFree() const;
+    std::string processNumberOfEntries() const;
+    std::string temperatureValue() const;
+    std::string deviceLog() const;
+
+    // The caller of these three holds the store mutex.
+    void initIdentity();
+    void setupForcedInform(const std::string& path, const Value& value);
+    void setupStoredInConfig(const std::string& path, const std::string& configPath);
+};
+
+}  // namespace TR

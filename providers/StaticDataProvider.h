@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "providers/BaseDataProvider.h"
+
+namespace TR {
+
+/// The fixed description of the box's media abilities (TR-135 `Capabilities` and `Components`) and
+/// the five configuration parameters that live in files under /var/kelm. Measures nothing and keeps
+/// nothing: every refresh writes the same subtree again; the files are read by the store and
+/// written by D-Bus `set`.
+class StaticDataProvider : public BaseDataProvider {
+  public:
+    using BaseDataProvider::BaseDataProvider;
+
+    bool updateValues() override;
+    bool load() override;
+    bool store() override;
+
+  private:
+    /// The caller holds the store mutex.
+    void setupFileParameter(const std::string& path, const std::string& file);
+};
+
+}  // namespace TR

@@ -1,0 +1,127 @@
+#include "stb/inc/private/pthread_helper.h"
+
+#include "stb/src/common/STBBackTrace.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
+
+namespace pthread_helper {
+namespace {
+
+constexpr Check kMutexCreated{"res == 0", 160};
+constexpr Check kMutexNotBusy{"res != 16", 164};
+constexpr Check kMutexDestroyed{"res == 0", 165};
+constexpr Check kMutexNotOwned{"res != 35", 179};
+constexpr Check kMutexLocked{"res == 0", 180};
+constexpr Check kMutexUnlocked{"res == 0", 196};
+constexpr Check kConditionCreated{"res == 0", 231};
+constexpr Check kConditionDestroyed{"res == 0", 235};
+constexpr Check kConditionWaited{"res == 0 || res == 110", 271};
+constexpr Check kConditionBroadcast{"res == 0", 283};
+// A failing join is reported under this name too: both mean that a thread cannot be managed.
+constexpr Check kThreadStarted{"res == 0", 304};
+
+static_assert(EBUSY == 16 && EDEADLK == 35 && ETIMEDOUT == 110 && EPERM == 1,
+              "the conditions' texts spell these numbers out");
+
+constexpr const char* kSource = "inc/private/pthread_helper";
+constexpr const char* kRule =
+    "========================================"
+    "========================================"
+    "========\n";
+
+inline void verify(bool holds, const Check& check, int result, const void* object) {
+    if (!holds) {
+        fail(check, result, object);
+    }
+}
+
+int initErrorChecking(pthread_mutex_t* native) {
+    pthread_mutexattr_t attributes;
+    int result = pthread_mutexattr_init(&attributes);
+    if (result != 0) {
+        return result;
+    }
+    result = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
+    if (result == 0) {
+        result = pthread_mutex_init(native, &attributes);
+    }
+    pthread_mutexattr_destroy(&attributes);
+    return result;
+}
+
+}  // namespace
+
+void fail(const Check& check, int result, const void* object) {
+    std::fputs(kRule, stdout);
+    std::printf(" ASSERT (%s) ret=%d on %s:%d, this:%p\n", check.condition, result, kSource,
+                check.line, object);
+    std::fputs(kRule, stdout);
+    // Nothing flushes a pipe or a log file after SIGKILL, and the order with stderr matters.
+    std::fflush(stdout);
+    STBBackTrace::print(stderr);
+    std::fputs(kRule, stdout);
+    std::fflush(stdout);
+    kill(getpid(), SIGKILL);
+    std::fputs(kRule, stdout);
+    // Only the first process of a PID namespace survives its own SIGKILL.
+    std::abort();
+}
+
+void lock(pthread_mutex_t* native) {
+    const int result = pthread_mutex_lock(native);
+    verify(result != EDEADLK, kMutexNotOwned, result, native);
+    verify(result == 0, kMutexLocked, result, native);
+}
+
+void unlock(pthread_mutex_t* native) {
+    const int result = pthread_mutex_unlock(native);
+    verify(result <= EPERM, kMutexUnlocked, result, native);
+}
+
+mutex::mutex() {
+    const int result = initErrorChecking(&native_);
+    verify(result == 0, kMutexCreated, result, this);
+}
+
+mutex::~mutex() {
+    const int result = pthread_mutex_destroy(&native_);
+    verify(result != EBUSY, kMutexNotBusy, result, this);
+    verify(result == 0, kMutexDestroyed, result, this);
+}
+
+condition::condition() {
+    const int result = pthread_cond_init(&native_, nullptr);
+    verify(result == 0, kConditionCreated, result, this);
+}
+
+condition::~condition() {
+    const int result = pthread_cond_destroy(&native_);
+    verify(result == 0, kConditionDestroyed, result, this);
+}
+
+void condition::waitUntil(mutex& held, const timespec& deadline) {
+    const int result = pthread_cond_timedwait(&native_, held.native(), &deadline);
+    verify(result == 0 || result == ETIMEDOUT, kConditionWaited, result, this);
+}
+
+void condition::broadcast() {
+    const int result = pthread_cond_broadcast(&native_);
+    verify(result == 0, kConditionBroadcast, result, this);
+}
+
+void createThread(pthread_t* id, void* (*routine)(void*), void* record) {
+    const int result = pthread_create(id, nullptr, routine, record);
+    verify(result == 0, kThreadStarted, result, record);
+}
+
+void joinThread(pthread_t id, const void* record) {
+    const int result = pthread_join(id, nullptr);
+    verify(result == 0, kThreadStarted, result, record);
+}
+
+}  // namespace pthread_helper

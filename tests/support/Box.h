@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// What a test that runs inside the virtual box says to it: its files, its stand-in commands' logs
+/// and faults. Everything is a plain file of the box and is gone with it.
+namespace box {
+
+/// Replaces a file's content, making its folders.
+void writeFile(const std::string& path, const std::string& content);
+/// Empty when there is no such file.
+std::string readFile(const std::string& path);
+
+/// The argument lines, command name first, that a stand-in was called with since `clearLog`, oldest
+/// first.
+std::vector<std::string> calls(const std::string& command);
+void clearCalls(const std::string& command);
+
+/// Makes a stand-in misbehave from its next call on: "exit 1", "silent", "garbage", "flood",
+/// "noeol", "slow 3", "hang", "closeearly", "background". An empty fault mends it.
+void setFault(const std::string& command, const std::string& fault);
+
+/// Looks again and again until the condition holds; false when it did not within the deadline.
+bool waitUntil(const std::function<bool()>& condition,
+               std::chrono::milliseconds deadline = std::chrono::seconds(30));
+
+}  // namespace box

@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "daemon/Worker.h"
+#include "model/Storage.h"
+#include "stb/src/common/NSTime.h"
+#include "tests/support/Box.h"
+
+namespace {
+
+using TR::Address;
+
+constexpr std::size_t kCountsPerCycle = 2;  // ps runs twice a cycle, in its last provider
+
+class WorkerTest : public ::testing::Test {
+  protected:
+    bool has(const char* path) {
+        const pthread_helper::scoped_lock lock(storage_.getStorageMutex());
+        return storage_.hasAddress(Address(path));
+    }
+    static bool waitForCounts(std::size_t counts) {
+        return box::waitUntil([=] { return box::calls("ps").size() >= counts; });
+    }
+
+    TR::Storage storage_;
+    TR::Worker worker_{&storage_};
+};
+
+TEST_F(WorkerTest, NothingRunsBeforeTheStart) {
+    EXPECT_FALSE(worker_.isOnline());
+    EXPECT_TRUE(storage_.listAddresses().empty());
+}
+
+TEST_F(WorkerTest, TheFirstPassFillsTheTree) {
+    worker_.start();
+    EXPECT_TRUE(worker_.isOnline());
+    EXPECT_TRUE(box::waitUntil([&] { return has("Device.DeviceInfo.DeviceLog"); }));
+    EXPECT_TRUE(has("Device.DeviceInfo.SerialNumber"));
+    EXPECT_TRUE(has("Device.Services.STBService.1.Enable"));
+    worker_.stop();
+    EXPECT_FALSE(worker_.isOnline());
+}
+
+TEST_F(WorkerTest, AStopEndsTheLoopWithoutAFurtherCycle) {
+    worker_.start();
+    ASSERT_TRUE(waitForCounts(kCountsPerCycle));
+    worker_.stop();
+    EXPECT_EQ(box::calls("ps").size(), kCountsPerCycle);
+}
+
+TEST_F(WorkerTest, ACycleUnderWayFinishesBeforeTheStop) {
+    box::setFault("ps", "slow 1");
+    worker_.start();
+    ASSERT_TRUE(waitForCounts(1));
+    worker_.stop();
+    EXPECT_EQ(box::calls("ps").size(), kCountsPerCycle);
+    EXPECT_TRUE(has("Device.DeviceInfo.DeviceLog"));
+}
+
+TEST_F(WorkerTest, FiveQuietSecondsFollowASlowCycle) {
+    box::setFault("ps", "slow 3");  // six seconds a cycle
+    worker_.start();
+    ASSERT_TRUE(box::waitUntil([&] { return has("Device.DeviceInfo.DeviceLog"); }));
+    const NSTime endOfCycle = NSTime::nowRelative();
+    ASSERT_TRUE(waitForCounts(kCountsPerCycle + 1));
+    // The log of the first cycle was seen a moment after it was stored, hence the tenth of a second.
+    EXPECT_GE((NSTime::nowRelative() - endOfCycle).toInt64(), 4'900'000);
+    box::setFault("ps", "");
+    worker_.stop();
+}
+
+TEST_F(WorkerTest, AWorkerThatFailsIsNoLongerOnline) {
+    // The kernel always has this file; without it the memory figures cannot be read.
+    ASSERT_EQ(std::system("mount --bind /dev/null /proc/meminfo"), 0);
+    worker_.start();
+    EXPECT_TRUE(box::waitUntil([&] { return !worker_.isOnline(); }));
+}
+
+TEST_F(WorkerTest, StartsAgainAfterAStop) {
+    worker_.start();
+    ASSERT_TRUE(waitForCounts(kCountsPerCycle));
+    worker_.stop();
+    box::clearCalls("ps");
+    worker_.start();
+    EXPECT_TRUE(waitForCounts(kCountsPerCycle));
+    worker_.stop();
+}
+
+TEST_F(WorkerTest, TheDestructorJoinsARunningThread) {
+    auto worker = std::make_unique<TR::Worker>(&storage_);
+    worker->start();
+    ASSERT_TRUE(waitForCounts(1));
+    worker.reset();
+    EXPECT_TRUE(has("Device.DeviceInfo.DeviceLog"));
+}
+
+}  // namespace
