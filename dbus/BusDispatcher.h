@@ -18,7 +18,7 @@ class BusDispatcher : public DBus::BusDispatcher {
   public:
     /// Throws std::system_error when no descriptor is to be had.
     BusDispatcher();
-    ~BusDispatcher();
+    ~BusDispatcher() override;
     BusDispatcher(const BusDispatcher&) = delete;
     BusDispatcher& operator=(const BusDispatcher&) = delete;
 

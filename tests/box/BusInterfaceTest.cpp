@@ -149,8 +149,8 @@ TEST_F(BusInterfaceTest, NoSocketOfTheDaemonReachesItsCommands) {
     const TrClient::Pending call = client().sendGetValue("Device.DeviceInfo.ProvisioningCode");
     ASSERT_TRUE(box::waitUntil([] { return !box::calls("uci").empty(); }));
     const std::string children = "/proc/" + std::to_string(daemon().pid()) + "/task/*/children";
-    const std::string list = "for child in $(cat " + children +
-                             "); do ls -l /proc/$child/fd; done >/tmp/descriptors";
+    const std::string list =
+        "for child in $(cat " + children + "); do ls -l /proc/$child/fd; done >/tmp/descriptors";
     ASSERT_EQ(std::system(list.c_str()), 0);
     const std::string descriptors = box::readFile("/tmp/descriptors");
     EXPECT_NE(descriptors.find("pipe:"), std::string::npos) << "no command was looked at";
