@@ -86,6 +86,7 @@ void NotifTable::tryTriggerNotify(const std::map<Address, Value>& updates) {
 
 void NotifTable::triggerNotify() {
     // The client answers with checkValueChange; when it does not run, the changes wait for it.
+    // glibc's system() may run on several threads; NOLINTNEXTLINE(concurrency-mt-unsafe)
     [[maybe_unused]] const int ignored = std::system(kNotifyCommand);
 }
 
