@@ -16,5 +16,5 @@ function(kelm_gtest)
     set_target_properties(${T_NAME} PROPERTIES CROSSCOMPILING_EMULATOR
                                                "${PROJECT_SOURCE_DIR}/box/test-in-box")
   endif()
-  gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 120)
+  gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 300)
 endfunction()

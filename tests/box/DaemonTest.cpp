@@ -17,8 +17,12 @@ void DaemonTest::start(const std::string& limits) {
     waitForFirstCycle();
 }
 
-void DaemonTest::waitForFirstCycle() {
+void DaemonTest::connect() {
     client_ = std::make_unique<TrClient>(bus_->address());
+}
+
+void DaemonTest::waitForFirstCycle() {
+    connect();
     ASSERT_TRUE(box::waitUntil([this] {
         const auto list = client().listParametersOnly().list;
         return std::find(list.begin(), list.end(), "Device.DeviceInfo.DeviceLog") != list.end();

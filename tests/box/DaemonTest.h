@@ -18,6 +18,7 @@ class DaemonTest : public ::testing::Test {
     void launch(const Child::Environment& environment = {});
     /// Starts bus and daemon and waits for the end of the first cycle.
     void start(const std::string& limits = "");
+    void connect();
     void waitForFirstCycle();
     /// Waits until that many cycles more have ended; told by the calls of ps, two a cycle.
     void waitForCycles(std::size_t count);

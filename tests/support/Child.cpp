@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <ostream>
 #include <sstream>
 #include <system_error>
@@ -49,6 +50,13 @@ pid_t spawn(const std::vector<std::string>& command, const std::string& output,
 
 std::ostream& operator<<(std::ostream& stream, const ExitStatus& status) {
     return stream << "status " << status.code << " signal " << status.signal;
+}
+
+std::size_t threadCountOf(pid_t pid) {
+    std::error_code error;
+    const std::filesystem::directory_iterator threads("/proc/" + std::to_string(pid) + "/task",
+                                                      error);
+    return static_cast<std::size_t>(std::distance(begin(threads), end(threads)));
 }
 
 Child::Child(const std::vector<std::string>& command, const std::string& output,
@@ -94,15 +102,4 @@ unsigned long long Child::cpuTicks() const {
     unsigned long long user = 0, system = 0;
     fields >> user >> system;
     return user + system;
-}
-
-std::size_t Child::threadCount() const {
-    std::error_code error;
-    std::size_t count = 0;
-    for (const auto& thread :
-         std::filesystem::directory_iterator("/proc/" + std::to_string(pid_) + "/task", error)) {
-        static_cast<void>(thread);
-        ++count;
-    }
-    return count;
 }

@@ -19,6 +19,9 @@ struct ExitStatus {
 };
 std::ostream& operator<<(std::ostream& stream, const ExitStatus& status);
 
+/// The threads of a process; 0 when it has ended.
+std::size_t threadCountOf(pid_t pid);
+
 /// A child process of a test, its output in a file. Killed and reaped with the object.
 class Child {
   public:
@@ -42,8 +45,7 @@ class Child {
     std::string output() const;
     /// CPU time that it has used so far, in clock ticks; 0 when it has ended.
     unsigned long long cpuTicks() const;
-    /// Its threads; 0 when it has ended.
-    std::size_t threadCount() const;
+    std::size_t threadCount() const { return threadCountOf(pid_); }
 
   private:
     pid_t pid_;
