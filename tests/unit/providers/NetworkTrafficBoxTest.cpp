@@ -121,6 +121,19 @@ TEST_F(NetworkTrafficTest, AnInterfaceThatReturnsCountsFromTheKernelsFigure) {
     EXPECT_LT(counted("BytesSent"), 500 * kFrameBytes);
 }
 
+TEST_F(NetworkTrafficTest, AnInterfaceThatReturnsUnderItsOldIndexDoesToo) {
+    FrameSender("eth0").send(500);
+    provider_.updateValues();
+    ASSERT_TRUE(grewBy("BytesSent", 0, 500 * kFrameBytes));
+    const std::string index = std::to_string(if_nametoindex("eth0"));
+    run("ip link del eth0");
+    provider_.updateValues();
+    run("ip link add name eth0 index " + index + " type veth peer name peer-eth0");
+    provider_.updateValues();
+    EXPECT_EQ(if_nametoindex("eth0"), static_cast<unsigned>(std::stoul(index)));
+    EXPECT_LT(counted("BytesSent"), 500 * kFrameBytes);
+}
+
 TEST_F(NetworkTrafficTest, AnInterfaceThatIsMadeAnewBetweenTwoRefreshesDoesToo) {
     FrameSender("eth0").send(500);
     provider_.updateValues();
