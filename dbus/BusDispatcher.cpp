@@ -47,7 +47,9 @@ BusDispatcher::~BusDispatcher() {
 
 void BusDispatcher::enter() {
     while (!leaving_) {
-        dispatch_pending();
+        // A message that came in while another one was dispatched waits in the queue, with no event
+        // to tell.
+        while (has_something_to_dispatch() && !leaving_) dispatch_pending();
         if (watches_.empty() || isBusLost()) busLost_ = true;
         if (busLost_ || leaving_) return;
         if (!waitAndHandle()) busLost_ = true;
@@ -58,6 +60,10 @@ void BusDispatcher::leave() {
     leaving_ = true;
     // The counter cannot overflow in practice, and a full one wakes the loop just the same.
     [[maybe_unused]] const int result = eventfd_write(wakeDescriptor_, 1);
+}
+
+void BusDispatcher::drain() {
+    while (has_something_to_dispatch()) dispatch_pending();
 }
 
 void BusDispatcher::rearm() {

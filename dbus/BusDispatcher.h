@@ -29,6 +29,10 @@ class BusDispatcher : public DBus::BusDispatcher {
     /// Takes back an earlier `leave()`; before a new start, while nobody is in `enter()`.
     void rearm();
 
+    /// Dispatches what has arrived. After a connection was closed, on the D-Bus thread: the
+    /// binding's queue must not know of it any more when it is destroyed.
+    void drain();
+
     /// True when the other end of the connection is gone. Looks at the socket itself, so that it
     /// tells also while the D-Bus thread is busy with a call.
     bool isBusLost();

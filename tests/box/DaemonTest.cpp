@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
-void DaemonTest::startBus(const std::string& limits) { bus_ = std::make_unique<PrivateBus>(limits); }
+void DaemonTest::startBus(const std::string& limits) {
+    bus_ = std::make_unique<PrivateBus>(limits);
+}
 
 void DaemonTest::launch(const Child::Environment& environment) {
-    daemon_ = std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM}, "/tmp/daemon-output",
-                                      environment);
+    daemon_ = std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM},
+                                      "/tmp/daemon-output", environment);
 }
 
 void DaemonTest::start(const std::string& limits) {

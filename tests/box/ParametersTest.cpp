@@ -37,7 +37,9 @@ class ParametersTest : public DaemonTest {
     long long uptime() { return std::atoll(value(kUpTime).c_str()); }
 };
 
-long long kernelUptime() { return std::atoll(box::readFile("/proc/uptime").c_str()); }
+long long kernelUptime() {
+    return std::atoll(box::readFile("/proc/uptime").c_str());
+}
 
 TEST_F(ParametersTest, UpTimeFollowsTheRealClock) {
     const long long before = kernelUptime();
@@ -52,8 +54,7 @@ TEST_F(ParametersTest, UpTimeFollowsTheRealClock) {
 TEST_F(ParametersTest, TheProvisioningCodeReachesUciAndReadsBack) {
     EXPECT_EQ(client().getWritable(kCode).text, "1");
     ASSERT_TRUE(client().set(kCode, "code 17").ok);
-    EXPECT_EQ(box::calls("uci"),
-              List{"uci -q set easycwmp.@local[0].provisioning_code=code 17"});
+    EXPECT_EQ(box::calls("uci"), List{"uci -q set easycwmp.@local[0].provisioning_code=code 17"});
     EXPECT_EQ(value(kCode), "code 17");
     EXPECT_EQ(box::calls("uci").back(), "uci -q get easycwmp.@local[0].provisioning_code");
     waitForCycles(1);
@@ -80,7 +81,8 @@ TEST_F(ParametersTest, TheTimeZoneShowsWhatAnotherProgramWrites) {
 }
 
 TEST_F(ParametersTest, TheConfigurationParametersAreWritableAndNothingElseOfTheBranchIs) {
-    for (const char* name : {"UpdateType", "UpdateServer", "TimeZone", "ProvisionServer", "SyslogHost"}) {
+    for (const char* name :
+         {"UpdateType", "UpdateServer", "TimeZone", "ProvisionServer", "SyslogHost"}) {
         EXPECT_EQ(client().getWritable(kConfig + name).text, "1") << name;
         EXPECT_EQ(client().getForcedInform(kConfig + name).text, "0") << name;
     }

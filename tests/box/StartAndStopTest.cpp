@@ -33,7 +33,8 @@ TEST_F(StartAndStopTest, TwoInterruptsEndAtOnceWithStatus255WhileACommandIsSlow)
     launch();
     ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
     daemon().send(SIGINT);
-    // A blocked signal is pending until main has taken the first one; only then is the second one a second.
+    // A blocked signal is pending until main has taken the first one; only then is the second one a
+    // second.
     EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
     daemon().send(SIGINT);
     const auto end = daemon().waitForEnd(std::chrono::seconds(10));
@@ -43,9 +44,10 @@ TEST_F(StartAndStopTest, TwoInterruptsEndAtOnceWithStatus255WhileACommandIsSlow)
 
 TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
     start();
-    box::writeFile("/tmp/.easycwmp_notif_param_value",
-                   R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
-                   "\n");
+    box::writeFile(
+        "/tmp/.easycwmp_notif_param_value",
+        R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
+        "\n");
     box::setFault("ubus", "slow 30");
     ASSERT_TRUE(client().updateNotifTable().ok);
     ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
@@ -59,9 +61,10 @@ TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
 
 TEST_F(StartAndStopTest, AnInterruptWhileTheNotifyCommandRunsIsNotLost) {
     start();
-    box::writeFile("/tmp/.easycwmp_notif_param_value",
-                   R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
-                   "\n");
+    box::writeFile(
+        "/tmp/.easycwmp_notif_param_value",
+        R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
+        "\n");
     box::setFault("ubus", "slow 2");
     ASSERT_TRUE(client().updateNotifTable().ok);
     ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
@@ -69,12 +72,16 @@ TEST_F(StartAndStopTest, AnInterruptWhileTheNotifyCommandRunsIsNotLost) {
     expectEnd({0, 0});
 }
 
-TEST_F(StartAndStopTest, TerminateAndHangUpKeepTheirDefaultActions) {
-    for (const int signal : {SIGTERM, SIGHUP}) {
-        start();
-        daemon().send(signal);
-        expectEnd({0, signal});
-    }
+TEST_F(StartAndStopTest, TerminateKeepsItsDefaultAction) {
+    start();
+    daemon().send(SIGTERM);
+    expectEnd({0, SIGTERM});
+}
+
+TEST_F(StartAndStopTest, HangUpKeepsItsDefaultAction) {
+    start();
+    daemon().send(SIGHUP);
+    expectEnd({0, SIGHUP});
 }
 
 TEST_F(StartAndStopTest, AnInterruptAtAnyPointOfTheStartStopsTheDaemon) {
@@ -102,10 +109,10 @@ TEST_F(StartAndStopTest, WithoutABusTheReasonIsLoggedAndTheWorkerGoesOn) {
     expectEnd({0, 0});
 }
 
-TEST_F(StartAndStopTest, ABadBusAddressIsNamedInTheLog) {
+TEST_F(StartAndStopTest, ABadBusAddressIsExplainedInTheLog) {
     launch({{"DBUS_SESSION_BUS_ADDRESS", "nonsense"}});
     ASSERT_TRUE(box::waitUntil([this] { return logHas("ERROR"); }));
-    EXPECT_TRUE(logHas("nonsense")) << daemon().output();
+    EXPECT_TRUE(logHas("Address does not contain a colon")) << daemon().output();
     daemon().send(SIGINT);
     expectEnd({0, 0});
 }
@@ -113,8 +120,7 @@ TEST_F(StartAndStopTest, ABadBusAddressIsNamedInTheLog) {
 TEST_F(StartAndStopTest, ATakenNameIsWarnedOfAndServedAllTheSame) {
     start();
     Child second({KELM_TRD_PROGRAM}, "/tmp/second-output");
-    ASSERT_TRUE(box::waitUntil(
-        [&] { return second.output().find("WARN") != std::string::npos; }));
+    ASSERT_TRUE(box::waitUntil([&] { return second.output().find("WARN") != std::string::npos; }));
     const std::string log = second.output();
     const std::size_t start = log.find("serving as ");
     ASSERT_NE(start, std::string::npos) << log;

@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-// Runs a fuzzer's function over the files of a corpus folder and over the same mutations of them every time,
-// so that every build, the sanitizers' included, meets bad input without a fuzzing engine.
+// Runs a fuzzer's function over the files of a corpus folder and over the same mutations of them
+// every time, so that every build, the sanitizers' included, meets bad input without a fuzzing
+// engine.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {

@@ -30,7 +30,8 @@ constexpr int kCannotRun = 127;
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGINT, SIG_DFL);
     std::vector<char*> arguments;
-    for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : command)
+        arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
     execvp(arguments[0], arguments.data());
     _exit(kCannotRun);
@@ -79,7 +80,9 @@ std::optional<ExitStatus> Child::waitForEnd(std::chrono::milliseconds deadline) 
     return end_;
 }
 
-std::string Child::output() const { return box::readFile(outputFile_); }
+std::string Child::output() const {
+    return box::readFile(outputFile_);
+}
 
 unsigned long long Child::cpuTicks() const {
     const std::string stat = box::readFile("/proc/" + std::to_string(pid_) + "/stat");

@@ -24,8 +24,8 @@ class Child {
   public:
     using Environment = std::vector<std::pair<std::string, std::string>>;
 
-    /// \p output takes standard output and standard error. Throws std::system_error when there is no process to be
-    /// had; a program that does not exist ends with status 127.
+    /// \p output takes standard output and standard error. Throws std::system_error when there is
+    /// no process to be had; a program that does not exist ends with status 127.
     Child(const std::vector<std::string>& command, const std::string& output,
           const Environment& environment = {});
     ~Child();
@@ -36,7 +36,8 @@ class Child {
     bool isRunning();
     void send(int signal) const;
     /// Nothing when it still runs at the deadline.
-    std::optional<ExitStatus> waitForEnd(std::chrono::milliseconds deadline = std::chrono::seconds(30));
+    std::optional<ExitStatus> waitForEnd(
+        std::chrono::milliseconds deadline = std::chrono::seconds(30));
     /// What it has printed so far.
     std::string output() const;
     /// CPU time that it has used so far, in clock ticks; 0 when it has ended.

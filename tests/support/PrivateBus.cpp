@@ -1,6 +1,7 @@
 #include "tests/support/PrivateBus.h"
 
-#include <sys/stat.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -19,8 +20,20 @@ std::string configurationText(const std::string& limits) {
     return "<busconfig><type>session</type><listen>unix:path=" + kSocket +
            "</listen><auth>EXTERNAL</auth>"
            "<policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
-           "<allow own=\"*\"/></policy>" +
+           "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy>" +
            limits + "</busconfig>";
+}
+
+// The socket's file is there before the bus listens.
+bool isListening() {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    kSocket.copy(address.sun_path, sizeof address.sun_path - 1);
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool connected =
+        connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(descriptor);
+    return connected;
 }
 
 }  // namespace
@@ -32,19 +45,22 @@ PrivateBus::PrivateBus(const std::string& limits)
     start();
 }
 
-PrivateBus::~PrivateBus() { unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
+PrivateBus::~PrivateBus() {
+    unsetenv("DBUS_SESSION_BUS_ADDRESS");
+}
 
 void PrivateBus::kill() {
     daemon_->send(SIGKILL);
     daemon_->waitForEnd();
-    std::filesystem::remove(kSocket);
 }
 
 void PrivateBus::start() {
-    daemon_ = std::make_unique<Child>(
-        std::vector<std::string>{"dbus-daemon", "--nofork", "--nopidfile", "--config-file=" + configuration_},
-        kFolder + "output");
-    if (!box::waitUntil([] { return access(kSocket.c_str(), F_OK) == 0; })) {
+    std::filesystem::remove(kSocket);
+    daemon_ =
+        std::make_unique<Child>(std::vector<std::string>{"dbus-daemon", "--nofork", "--nopidfile",
+                                                         "--config-file=" + configuration_},
+                                kFolder + "output");
+    if (!box::waitUntil(isListening)) {
         throw std::runtime_error("the private bus does not listen: " + daemon_->output());
     }
 }

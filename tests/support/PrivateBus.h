@@ -5,11 +5,12 @@
 
 #include "tests/support/Child.h"
 
-/// A session bus of a test's own, inside the box. Its address is in DBUS_SESSION_BUS_ADDRESS as long as the
-/// object lives, also while the bus itself is down.
+/// A session bus of a test's own, inside the box. Its address is in DBUS_SESSION_BUS_ADDRESS as
+/// long as the object lives, also while the bus itself is down.
 class PrivateBus {
   public:
-    /// With \p limits, such as `<limit name="max_message_size">100000</limit>`, in its configuration.
+    /// With \p limits, such as `<limit name="max_message_size">100000</limit>`, in its
+    /// configuration.
     explicit PrivateBus(const std::string& limits = "");
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;

@@ -34,7 +34,8 @@ TEST(InterruptTest, ASignalEndsTheWait) {
 
 TEST(InterruptTest, ASignalSentWhileACommandRunsIsNotLost) {
     TR::Interrupt::block();
-    // system() ignores SIGINT in this whole process while the shell runs; the shell sends it just then.
+    // system() ignores SIGINT in this whole process while the shell runs; the shell sends it just
+    // then.
     EXPECT_EQ(std::system("kill -INT $PPID"), 0);
     EXPECT_TRUE(TR::Interrupt::wait(seconds(10)));
 }

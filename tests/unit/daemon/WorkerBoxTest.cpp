@@ -66,7 +66,8 @@ TEST_F(WorkerTest, FiveQuietSecondsFollowASlowCycle) {
     ASSERT_TRUE(box::waitUntil([&] { return has("Device.DeviceInfo.DeviceLog"); }));
     const NSTime endOfCycle = NSTime::nowRelative();
     ASSERT_TRUE(waitForCounts(kCountsPerCycle + 1));
-    // The log of the first cycle was seen a moment after it was stored, hence the tenth of a second.
+    // The log of the first cycle was seen a moment after it was stored, hence the tenth of a
+    // second.
     EXPECT_GE((NSTime::nowRelative() - endOfCycle).toInt64(), 4'900'000);
     box::setFault("ps", "");
     worker_.stop();

@@ -35,14 +35,16 @@ TEST(BusLimitsTest, WithoutOneTheBuiltInDefaultHolds) {
 
 TEST(BusLimitsTest, CommentsDoNotCount) {
     EXPECT_EQ(BusLimits::configuredMessageSize("<!-- " + limit("1000") + " -->"), kBuiltIn);
-    EXPECT_EQ(BusLimits::configuredMessageSize(limit("7") + "<!-- never closed" + limit("1000")), 7ULL);
+    EXPECT_EQ(BusLimits::configuredMessageSize(limit("7") + "<!-- never closed" + limit("1000")),
+              7ULL);
 }
 
 TEST(BusLimitsTest, AnIncludedFileIsFollowedAndALoopEnds) {
     const std::string file = ::testing::TempDir() + "bus_limits_included.conf";
     std::ofstream(file) << limit("4321") << "<include>" << file << "</include>";
-    EXPECT_EQ(BusLimits::configuredMessageSize("<include ignore_missing=\"yes\">" + file + "</include>"),
-              4321ULL);
+    EXPECT_EQ(
+        BusLimits::configuredMessageSize("<include ignore_missing=\"yes\">" + file + "</include>"),
+        4321ULL);
     std::remove(file.c_str());
 }
 

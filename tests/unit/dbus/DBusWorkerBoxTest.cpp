@@ -83,7 +83,8 @@ TEST_F(DBusWorkerTest, AskingWhetherAnUnknownAddressIsWritableAddsIt) {
     EXPECT_EQ(client().getWritable("Device.Nothing").text, "0");
     EXPECT_EQ(client().getForcedInform("Device.Other").text, "0");
     EXPECT_TRUE(client().set("Device.Third", "x").ok);
-    EXPECT_EQ(client().listAddresses().list, (List{"Device.Nothing", "Device.Other", "Device.Third"}));
+    EXPECT_EQ(client().listAddresses().list,
+              (List{"Device.Nothing", "Device.Other", "Device.Third"}));
     EXPECT_EQ(client().getValue("Device.Third").text, "");
 }
 
@@ -226,9 +227,10 @@ TEST_F(DBusWorkerTest, AListBeyondTheLimitIsAnErrorForThatCallAlone) {
 
 TEST_F(DBusWorkerTest, AReplyBeyondTheProtocolsLimitIsAnErrorForThatCallAlone) {
     storage_.set(Address("big"), Value(std::string(1U << 27, 'x')));
-    serve(&storage_, "<limit name=\"max_message_size\">1000000000</limit>"
-                     "<limit name=\"max_incoming_bytes\">1000000000</limit>"
-                     "<limit name=\"max_outgoing_bytes\">1000000000</limit>");
+    serve(&storage_,
+          "<limit name=\"max_message_size\">1000000000</limit>"
+          "<limit name=\"max_incoming_bytes\">1000000000</limit>"
+          "<limit name=\"max_outgoing_bytes\">1000000000</limit>");
     EXPECT_EQ(client().getValue("big").errorName, kLimitsExceeded);
     EXPECT_TRUE(client().getValue("").ok);
 }
@@ -247,8 +249,8 @@ TEST_F(DBusWorkerTest, TheNotificationTableIsReloadedAndItsChangesFetched) {
                    "\n");
     EXPECT_TRUE(client().updateNotifTable().ok);
     storage_.getNotifTable().tryTriggerNotify({{Address("a"), Value(std::string("bad \xFF"))}});
-    EXPECT_EQ(client().checkValueChange().text,
-              R"({ "parameter": "a", "value": "bad )" + kBad + R"(", "notification": "2" })" + "\n");
+    EXPECT_EQ(client().checkValueChange().text, R"({ "parameter": "a", "value": "bad )" + kBad +
+                                                    R"(", "notification": "2" })" + "\n");
 }
 
 TEST_F(DBusWorkerTest, StoppingAndStartingServesAgain) {

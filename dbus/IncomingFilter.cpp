@@ -1,4 +1,4 @@
-#include "dbus/DefaultInterface.h"
+#include "dbus/IncomingFilter.h"
 
 #include <dbus/dbus.h>
 
@@ -25,17 +25,18 @@ const char* interfaceOf(const std::string& member) {
 
 }  // namespace
 
-DefaultInterface::DefaultInterface(DBus::Connection& connection) : connection_(connection) {
-    slot_ = new DBus::Callback<DefaultInterface, bool, const DBus::Message&>(
-        this, &DefaultInterface::filter);
+IncomingFilter::IncomingFilter(DBus::Connection& connection) : connection_(connection) {
+    slot_ = new DBus::Callback<IncomingFilter, bool, const DBus::Message&>(this,
+                                                                           &IncomingFilter::filter);
     connection_.add_filter(slot_);
 }
 
-DefaultInterface::~DefaultInterface() {
+IncomingFilter::~IncomingFilter() {
     connection_.remove_filter(slot_);
 }
 
-bool DefaultInterface::filter(const DBus::Message& message) {
+bool IncomingFilter::filter(const DBus::Message& message) {
+    if (isDropping_) return true;
     if (message.type() != DBUS_MESSAGE_TYPE_METHOD_CALL) return false;
     // The binding itself looks at its messages in this way: every kind is the same handle.
     auto call = static_cast<const DBus::CallMessage&>(message);
