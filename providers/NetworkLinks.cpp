@@ -1,0 +1,91 @@
+#include "providers/NetworkLinks.h"
+
+#include <ifaddrs.h>
+#include <linux/if_link.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netpacket/packet.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+
+#include "stb/src/common/Format.h"
+
+namespace TR {
+
+namespace {
+
+// Older kernels give fewer members than the header names; what is behind them is not ours to read.
+constexpr std::size_t kCounterBytes =
+    offsetof(rtnl_link_stats, multicast) + sizeof(rtnl_link_stats::multicast);
+
+bool isOfFamily(const ifaddrs& entry, int family) {
+    return entry.ifa_addr != nullptr && entry.ifa_addr->sa_family == family;
+}
+
+NetworkCounters::Reading readCounters(const void* data) {
+    rtnl_link_stats stats{};
+    if (data != nullptr) std::memcpy(&stats, data, kCounterBytes);
+    NetworkCounters::Reading reading{};
+    reading[NetworkCounters::PacketsReceived] = stats.rx_packets;
+    reading[NetworkCounters::PacketsSent] = stats.tx_packets;
+    reading[NetworkCounters::BytesReceived] = stats.rx_bytes;
+    reading[NetworkCounters::BytesSent] = stats.tx_bytes;
+    reading[NetworkCounters::ErrorsReceived] = stats.rx_errors;
+    reading[NetworkCounters::ErrorsSent] = stats.tx_errors;
+    reading[NetworkCounters::DroppedReceived] = stats.rx_dropped;
+    reading[NetworkCounters::DroppedSent] = stats.tx_dropped;
+    reading[NetworkCounters::MulticastReceived] = stats.multicast;
+    return reading;
+}
+
+NetworkLink linkOf(const ifaddrs& entry) {
+    sockaddr_ll address{};
+    std::memcpy(&address, entry.ifa_addr, sizeof address);
+    const unsigned char* byte = address.sll_addr;
+    NetworkLink link;
+    link.index = static_cast<unsigned>(address.sll_ifindex);
+    link.flags = entry.ifa_flags;
+    link.hardwareAddress = Utils::format("%02x:%02x:%02x:%02x:%02x:%02x", byte[0], byte[1], byte[2],
+                                         byte[3], byte[4], byte[5]);
+    link.counters = readCounters(entry.ifa_data);
+    return link;
+}
+
+std::string hostText(const sockaddr* address) {
+    std::array<char, NI_MAXHOST> text{};
+    if (address == nullptr || getnameinfo(address, sizeof(sockaddr_in), text.data(), text.size(),
+                                          nullptr, 0, NI_NUMERICHOST) != 0) {
+        return {};
+    }
+    return text.data();
+}
+
+void addAddress(const ifaddrs& entry, NetworkLinks& links) {
+    const auto link = links.find(entry.ifa_name);
+    // The primary address is listed first; the others have no place in the tree.
+    if (link == links.end() || !link->second.ipv4Address.empty()) return;
+    link->second.ipv4Address = hostText(entry.ifa_addr);
+    link->second.subnetMask = hostText(entry.ifa_netmask);
+}
+
+}  // namespace
+
+std::optional<NetworkLinks> readNetworkLinks() {
+    ifaddrs* list = nullptr;
+    if (getifaddrs(&list) != 0) return std::nullopt;
+    const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(list, freeifaddrs);
+    NetworkLinks links;
+    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
+        if (isOfFamily(*entry, AF_PACKET)) links.emplace(entry->ifa_name, linkOf(*entry));
+    }
+    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
+        if (isOfFamily(*entry, AF_INET)) addAddress(*entry, links);
+    }
+    return links;
+}
+
+}  // namespace TR

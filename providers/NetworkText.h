@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "providers/NetworkInterface.h"
+
+// From the texts of the kernel, of `iw` and of the WiFi settings file to what is published. Pure:
+// any bytes may come in, nothing throws, any thread may call.
+namespace TR::NetworkText {
+
+/// The state of an interface from its flags (IFF_UP, IFF_RUNNING) and its operstate file.
+NetworkInterface::Status status(unsigned flags, const std::string& operstate);
+
+/// From the duplex file; what the kernel does not know is negotiated, as far as one can tell.
+NetworkInterface::DuplexMode duplexMode(const std::string& duplex);
+
+/// Mbit/s from the speed file; 0 unless it holds one known speed and nothing else.
+std::uint64_t bitRate(const std::string& speed);
+
+/// The decimal number that the text begins with, after white space; none when there is no digit or
+/// it does not fit.
+std::optional<std::int64_t> leadingNumber(const std::string& text);
+
+/// From the lines of a WiFi settings file: `key = value`. Blanks round the equals sign and one CR
+/// at the line's end are no part of either. The last of a repeated key wins; lines without an
+/// equals sign, and comments, count for nothing.
+NetworkInterface::WiFiConfig wiFiConfig(const std::vector<std::string>& lines);
+
+/// From the lines, with or without their line feeds, that `iw INTERFACE link` prints. Fractions are
+/// cut off.
+NetworkInterface::WiFiStatus wiFiStatus(const std::vector<std::string>& lines);
+
+}  // namespace TR::NetworkText

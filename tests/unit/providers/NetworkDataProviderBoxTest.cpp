@@ -1,0 +1,378 @@
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/unit/providers/NetworkBoxTest.h"
+
+namespace {
+
+using TR::Address;
+using TR::Value;
+using Names = std::set<std::string>;
+using Interface = TR::NetworkDataProvider::Interface;
+
+class NetworkDataProviderTest : public NetworkBoxTest {
+  protected:
+    /// The kernel tells of a carrier that comes or goes up to a second later.
+    bool becomes(const std::string& status) {
+        return box::waitUntil([&] {
+            provider_.updateValues();
+            return ip(1, "Status") == status && ethernet(1, "Status") == status;
+        });
+    }
+};
+
+// With no descriptor to spare the kernel cannot be asked.
+class NoDescriptors {
+  public:
+    NoDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        const rlimit none{0, before_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
+
+  private:
+    rlimit before_{};
+};
+
+TEST_F(NetworkDataProviderTest, ARefreshPublishesTheBoxsInterfacesByName) {
+    ASSERT_TRUE(provider_.updateValues());
+    EXPECT_EQ(ip(1, "Name"), "eth0");
+    EXPECT_EQ(ip(2, "Name"), "wlan0");
+    EXPECT_EQ(ethernet(1, "Name"), "eth0");
+    EXPECT_EQ(ethernet(2, "Name"), "wlan0");
+    EXPECT_EQ(publishedNames(), (Names{"eth0", "wlan0"}));
+}
+
+TEST_F(NetworkDataProviderTest, AnInterfaceHasTheKernelsAddresses) {
+    provider_.updateValues();
+    EXPECT_EQ(ethernet(1, "MACAddress"), "00:1a:2b:3c:4d:5e");
+    EXPECT_EQ(ethernet(2, "MACAddress"), "00:1a:2b:3c:4d:5f");
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "192.168.1.20");
+    EXPECT_EQ(ip(2, "IPv4Address.1.IPAddress"), "192.168.2.20");
+    EXPECT_EQ(ip(1, "IPv4Address.1.SubnetMask"), "255.255.255.0");
+    EXPECT_EQ(ip(1, "IPv4AddressNumberOfEntries"), "1");
+}
+
+TEST_F(NetworkDataProviderTest, OtherInterfacesAreNeverPublished) {
+    for (const char* name : {"usb0", "eth0.100", "veth0", "p2p-wlan0-0", "ethernet0", "eth", "wlan",
+                             "eth0a", "ETH0", "br-eth0"}) {
+        addInterface(name, "10.0.0.1/8");
+    }
+    provider_.updateValues();
+    EXPECT_EQ(publishedNames(), (Names{"eth0", "wlan0"}));
+    EXPECT_EQ(provider_.interfaces().size(), 2U);
+}
+
+TEST_F(NetworkDataProviderTest, NamesOfSeveralDigitsArePublishedInTextOrder) {
+    addInterface("eth10", "10.0.0.1/8");
+    addInterface("eth2", "10.0.0.2/8");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Name"), "eth0");
+    EXPECT_EQ(ip(2, "Name"), "eth10");
+    EXPECT_EQ(ip(3, "Name"), "eth2");
+    EXPECT_EQ(ip(4, "Name"), "wlan0");
+}
+
+TEST_F(NetworkDataProviderTest, AnAddressThatChangesIsFollowed) {
+    provider_.updateValues();
+    run("ip address flush dev eth0 && ip address add 10.1.2.3/9 dev eth0");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "10.1.2.3");
+    EXPECT_EQ(ip(1, "IPv4Address.1.SubnetMask"), "255.128.0.0");
+    EXPECT_EQ(ip(2, "IPv4Address.1.IPAddress"), "192.168.2.20");
+}
+
+TEST_F(NetworkDataProviderTest, AnAddressThatIsTakenAwayLeavesEmptyTexts) {
+    provider_.updateValues();
+    run("ip address flush dev eth0");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "");
+    EXPECT_EQ(ip(1, "IPv4Address.1.SubnetMask"), "");
+    EXPECT_EQ(ip(1, "IPv4AddressNumberOfEntries"), "0");
+    EXPECT_EQ(ip(1, "Status"), "Up");
+    run("ip address add 10.1.2.3/9 dev eth0");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "10.1.2.3");
+    EXPECT_EQ(ip(1, "IPv4AddressNumberOfEntries"), "1");
+}
+
+TEST_F(NetworkDataProviderTest, OfSeveralAddressesThePrimaryOneIsPublished) {
+    run("ip address add 192.168.1.21/24 dev eth0");
+    run("ip address add 10.0.0.1/8 dev eth0 label eth0:1");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "192.168.1.20");
+    EXPECT_EQ(ip(1, "IPv4AddressNumberOfEntries"), "1");
+    EXPECT_EQ(publishedNames(), (Names{"eth0", "wlan0"}));
+}
+
+TEST_F(NetworkDataProviderTest, ANewHardwareAddressIsFollowed) {
+    provider_.updateValues();
+    run("ip link set eth0 address 02:00:00:AB:CD:EF");
+    provider_.updateValues();
+    EXPECT_EQ(ethernet(1, "MACAddress"), "02:00:00:ab:cd:ef");
+}
+
+TEST_F(NetworkDataProviderTest, EnableIsTheAdministrativeFlag) {
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Enable"), "1");
+    EXPECT_EQ(ethernet(1, "Enable"), "1");
+    run("ip link set eth0 down");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Enable"), "0");
+    EXPECT_EQ(ethernet(1, "Enable"), "0");
+    EXPECT_EQ(ip(1, "Status"), "Down");
+    EXPECT_EQ(ip(2, "Enable"), "1");
+}
+
+TEST_F(NetworkDataProviderTest, TheStatusIsTheKernelsState) {
+    const std::map<std::string, std::string> states = {
+        {"up", "Up"},           {"down", "Down"},
+        {"dormant", "Dormant"}, {"notpresent", "NotPresent"},
+        {"unknown", "Up"},      {"lowerlayerdown", "LowerLayerDown"},
+        {"testing", "Error"}};
+    for (const auto& [state, status] : states) {
+        setKernelFile("eth0", "operstate", state + "\n");
+        EXPECT_TRUE(becomes(status)) << state;
+    }
+}
+
+TEST_F(NetworkDataProviderTest, AnUnknownStateWithoutCarrierIsAnError) {
+    setKernelFile("eth0", "operstate", "unknown\n");
+    run("ip link set peer-eth0 down");
+    EXPECT_TRUE(becomes("Error"));
+    EXPECT_EQ(ip(1, "Enable"), "1");
+}
+
+TEST_F(NetworkDataProviderTest, AMissingStateIsAnError) {
+    std::filesystem::remove("/sys/class/net/eth0/operstate");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Status"), "Error");
+}
+
+TEST_F(NetworkDataProviderTest, OnlyAChangeOfStatusMovesTheLastChange) {
+    provider_.updateValues();
+    const NSTime first = provider_.interfaces().at("eth0").lastChange;
+    const NSTime firstOfOther = provider_.interfaces().at("wlan0").lastChange;
+    run("ip address flush dev eth0");
+    setKernelFile("eth0", "speed", "10\n");
+    provider_.updateValues();
+    EXPECT_EQ(provider_.interfaces().at("eth0").lastChange, first);
+    setKernelFile("eth0", "operstate", "dormant\n");
+    provider_.updateValues();
+    const NSTime second = provider_.interfaces().at("eth0").lastChange;
+    EXPECT_GT(second, first);
+    provider_.updateValues();
+    EXPECT_EQ(provider_.interfaces().at("eth0").lastChange, second);
+    EXPECT_EQ(provider_.interfaces().at("wlan0").lastChange, firstOfOther);
+}
+
+TEST_F(NetworkDataProviderTest, LastChangeCountsUpAndStartsAnewAtAChange) {
+    provider_.updateValues();
+    const auto lastChange = [this] {
+        provider_.updateValues();
+        return std::stoll(ethernet(1, "LastChange"));
+    };
+    ASSERT_TRUE(box::waitUntil([&] { return lastChange() >= 2; }));
+    setKernelFile("eth0", "operstate", "down\n");
+    const NSTime before = NSTime::nowRelative();
+    const long long seconds = lastChange();
+    EXPECT_LE(seconds, (NSTime::nowRelative() - before).toTimeT());
+}
+
+TEST_F(NetworkDataProviderTest, SpeedAndDuplexAreTheKernelsFigures) {
+    setKernelFile("eth0", "speed", "1000\n");
+    setKernelFile("eth0", "duplex", "half\n");
+    provider_.updateValues();
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "1000");
+    EXPECT_EQ(ethernet(1, "DuplexMode"), "Half");
+    setKernelFile("eth0", "speed", "3000000000\n");
+    setKernelFile("eth0", "duplex", "full\n");
+    provider_.updateValues();
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "3000000000");
+    EXPECT_EQ(ethernet(1, "DuplexMode"), "Full");
+}
+
+TEST_F(NetworkDataProviderTest, ASpeedThatIsNoneIsZero) {
+    for (const char* speed : {"-1\n", "4294967295\n", "fast\n", ""}) {
+        setKernelFile("eth0", "speed", speed);
+        provider_.updateValues();
+        EXPECT_EQ(ethernet(1, "MaxBitRate"), "0") << speed;
+    }
+    std::filesystem::remove("/sys/class/net/eth0/speed");
+    provider_.updateValues();
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "0");
+}
+
+TEST_F(NetworkDataProviderTest, ASpeedFileThatFailsToReadIsZero) {
+    provider_.updateValues();
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "100");
+    // Opens as a regular file, and reading its first byte is an error.
+    ASSERT_EQ(mount("/proc/self/mem", "/sys/class/net/eth0/speed", nullptr, MS_BIND, nullptr), 0);
+    provider_.updateValues();
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "0");
+}
+
+TEST_F(NetworkDataProviderTest, UpstreamIsOneAndThereAreNoLowerLayers) {
+    provider_.updateValues();
+    for (const unsigned position : {1U, 2U}) {
+        EXPECT_EQ(ethernet(position, "Upstream"), "1");
+        EXPECT_EQ(ethernet(position, "LowerLayers"), "");
+    }
+}
+
+TEST_F(NetworkDataProviderTest, AnInterfaceThatSortsFirstShiftsTheOthers) {
+    run("ip link set eth0 down && ip link set eth0 name eth1 && ip link set eth1 up");
+    setKernelFile("eth1", "operstate", "up\n");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Name"), "eth1");
+    EXPECT_EQ(ip(2, "Name"), "wlan0");
+    addInterface("eth0", "10.0.0.1/8");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Name"), "eth0");
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "10.0.0.1");
+    EXPECT_EQ(ip(2, "Name"), "eth1");
+    EXPECT_EQ(ip(2, "IPv4Address.1.IPAddress"), "192.168.1.20");
+    EXPECT_EQ(ip(3, "Name"), "wlan0");
+    EXPECT_EQ(ethernet(3, "MACAddress"), "00:1a:2b:3c:4d:5f");
+}
+
+TEST_F(NetworkDataProviderTest, AnInstanceThatIsNoLongerWrittenKeepsItsLastValues) {
+    provider_.updateValues();
+    const Names before = below("Device.");
+    run("ip link del wlan0");
+    // One that never saw wlan0 does not write its instance.
+    TR::NetworkDataProvider later(&storage_);
+    setKernelFile("eth0", "operstate", "dormant\n");
+    ASSERT_TRUE(later.updateValues());
+    EXPECT_EQ(ip(1, "Status"), "Dormant");
+    EXPECT_EQ(ip(2, "Name"), "wlan0");
+    EXPECT_EQ(ip(2, "Status"), "Up");
+    EXPECT_EQ(ip(2, "IPv4Address.1.IPAddress"), "192.168.2.20");
+    EXPECT_EQ(at("Device.Services.STBService.1.X_Kelm.WiFiStatus.SSID"), "Kelm Home");
+    EXPECT_EQ(below("Device."), before);
+}
+
+TEST_F(NetworkDataProviderTest, AVanishedInterfaceKeepsItsPlace) {
+    provider_.updateValues();
+    const NSTime before = NSTime::nowRelative();
+    run("ip link del eth0");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Name"), "eth0");
+    for (const std::string& status : {ip(1, "Status"), ethernet(1, "Status")}) {
+        EXPECT_EQ(status, "NotPresent");
+    }
+    EXPECT_EQ(ip(1, "Enable") + ethernet(1, "Enable"), "00");
+    EXPECT_EQ(ip(1, "IPv4AddressNumberOfEntries"), "0");
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress") + ip(1, "IPv4Address.1.SubnetMask"), "");
+    EXPECT_EQ(ethernet(1, "MACAddress"), "");
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "0");
+    EXPECT_EQ(ethernet(1, "DuplexMode"), "Auto");
+    EXPECT_GE(provider_.interfaces().at("eth0").lastChange, before);
+    EXPECT_EQ(ip(2, "Name"), "wlan0");
+    EXPECT_EQ(ip(2, "Status"), "Up");
+}
+
+TEST_F(NetworkDataProviderTest, AVanishedInterfaceChangesOnlyOnce) {
+    provider_.updateValues();
+    run("ip link del eth0");
+    provider_.updateValues();
+    const NSTime change = provider_.interfaces().at("eth0").lastChange;
+    provider_.updateValues();
+    EXPECT_EQ(provider_.interfaces().at("eth0").lastChange, change);
+}
+
+TEST_F(NetworkDataProviderTest, AReturningInterfaceIsTheSameInstance) {
+    provider_.updateValues();
+    const Names before = below("Device.");
+    run("ip link del eth0");
+    provider_.updateValues();
+    addInterface("eth0", "10.0.0.1/8");
+    provider_.updateValues();
+    EXPECT_EQ(ip(1, "Name"), "eth0");
+    EXPECT_EQ(ip(1, "Status"), "Up");
+    EXPECT_EQ(ip(1, "Enable"), "1");
+    EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "10.0.0.1");
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "100");
+    EXPECT_EQ(below("Device."), before);
+}
+
+TEST_F(NetworkDataProviderTest, ABoxWithoutInterfacesHasOnlyTheRoots) {
+    run("ip link del eth0 && ip link del wlan0");
+    EXPECT_TRUE(provider_.updateValues());
+    EXPECT_EQ(below("Device."),
+              (Names{"IP.", "IP.Interface.", "Ethernet.", "Ethernet.Interface."}));
+}
+
+TEST_F(NetworkDataProviderTest, TheFirstRefreshIsNoChange) {
+    provider_.updateValues();
+    EXPECT_TRUE(storage_.updates().empty());
+}
+
+TEST_F(NetworkDataProviderTest, AWatchedSpeedThatChangesIsNotifiedOnce) {
+    const std::string path = "Device.Ethernet.Interface.1.MaxBitRate";
+    box::writeFile("/tmp/.easycwmp_notif_param_value",
+                   R"({ "parameter": ")" + path +
+                       R"(", "value": "100", "notification": "2", "type": "xsd:unsignedInt" })" +
+                       "\n");
+    storage_.getNotifTable().update();
+    provider_.updateValues();
+    storage_.clearUpdates();
+    setKernelFile("eth0", "speed", "1000\n");
+    provider_.updateValues();
+    const auto updates = storage_.updates();
+    EXPECT_EQ(updates.at(Address(path)).toString(), "1000");
+    storage_.getNotifTable().tryTriggerNotify(updates);
+    EXPECT_EQ(box::calls("ubus"), (std::vector<std::string>{"ubus -t 1 call tr069 notify"}));
+    EXPECT_EQ(storage_.getNotifTable().checkValueChange(),
+              R"({ "parameter": ")" + path +
+                  R"(", "value": "1000", "notification": "2", "type": "xsd:unsignedInt" })" + "\n");
+}
+
+TEST_F(NetworkDataProviderTest, AnUnchangedBoxChangesNothingButTheTimes) {
+    run("ip link del wlan0");
+    provider_.updateValues();
+    ASSERT_TRUE(box::waitUntil([this] {
+        provider_.updateValues();
+        return ip(1, "LastChange") != "0";
+    }));
+    Names changed;
+    for (const auto& [address, value] : storage_.updates()) changed.insert(address.get());
+    EXPECT_EQ(changed, (Names{"Device.Ethernet.Interface.1.LastChange",
+                              "Device.IP.Interface.1.LastChange"}));
+}
+
+TEST_F(NetworkDataProviderTest, WhenTheKernelCannotBeAskedEverythingStays) {
+    provider_.updateValues();
+    setKernelFile("eth0", "speed", "10\n");
+    {
+        const NoDescriptors none;
+        EXPECT_FALSE(provider_.load());
+        EXPECT_FALSE(provider_.updateValues());
+    }
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "100");
+    EXPECT_EQ(ip(1, "Status"), "Up");
+    EXPECT_TRUE(provider_.updateValues());
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "10");
+}
+
+TEST_F(NetworkDataProviderTest, LoadingAloneLeavesTheStoreAlone) {
+    EXPECT_TRUE(provider_.load());
+    EXPECT_TRUE(storage_.listAddresses().empty());
+    EXPECT_TRUE(provider_.store());
+    EXPECT_EQ(publishedNames(), (Names{"eth0", "wlan0"}));
+}
+
+TEST_F(NetworkDataProviderTest, WithoutAStoreNothingIsPublished) {
+    TR::NetworkDataProvider provider(nullptr);
+    EXPECT_TRUE(provider.load());
+    EXPECT_FALSE(provider.store());
+    EXPECT_FALSE(provider.updateValues());
+}
+
+}  // namespace

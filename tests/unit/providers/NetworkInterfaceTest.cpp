@@ -1,0 +1,124 @@
+#include "providers/NetworkInterface.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <sstream>
+#include <type_traits>
+
+#include "providers/NetworkDataProvider.h"
+
+namespace {
+
+using Interface = TR::NetworkDataProvider::Interface;
+using Status = Interface::Status;
+using DuplexMode = Interface::DuplexMode;
+
+template <class Printable>
+std::string printed(const Printable& printable) {
+    std::ostringstream stream;
+    stream << printable;
+    return stream.str();
+}
+
+TEST(NetworkInterfaceTest, EveryStatusHasItsText) {
+    EXPECT_STREQ(Interface::statusToString(Status::Up), "Up");
+    EXPECT_STREQ(Interface::statusToString(Status::Down), "Down");
+    EXPECT_STREQ(Interface::statusToString(Status::Dormant), "Dormant");
+    EXPECT_STREQ(Interface::statusToString(Status::NotPresent), "NotPresent");
+    EXPECT_STREQ(Interface::statusToString(Status::LowerLayerDown), "LowerLayerDown");
+    EXPECT_STREQ(Interface::statusToString(Status::Error), "Error");
+}
+
+TEST(NetworkInterfaceTest, EveryDuplexModeHasItsText) {
+    EXPECT_STREQ(Interface::duplexModeToString(DuplexMode::Auto), "Auto");
+    EXPECT_STREQ(Interface::duplexModeToString(DuplexMode::Full), "Full");
+    EXPECT_STREQ(Interface::duplexModeToString(DuplexMode::Half), "Half");
+}
+
+TEST(NetworkInterfaceTest, ANewOneHasItsDefaultAliasAndCountsAsChangedNow) {
+    const NSTime before = NSTime::nowRelative();
+    const Interface interface("wlan1");
+    EXPECT_EQ(interface.name, "wlan1");
+    EXPECT_EQ(interface.alias, "cpe-wlan1");
+    EXPECT_GE(interface.lastChange, before);
+    EXPECT_LE(interface.lastChange, NSTime::nowRelative());
+}
+
+TEST(NetworkInterfaceTest, AChangeOfStatusTakesTheMonotonicTime) {
+    Interface interface("eth0");
+    interface.lastChange = 0;
+    const NSTime before = NSTime::nowRelative();
+    interface.changeStatus(Status::Dormant);
+    EXPECT_EQ(interface.status, Status::Dormant);
+    EXPECT_GE(interface.lastChange, before);
+    EXPECT_LE(interface.lastChange, NSTime::nowRelative());
+}
+
+TEST(NetworkInterfaceTest, OnlyWlanIsWireless) {
+    EXPECT_TRUE(Interface("wlan0").isWireless());
+    EXPECT_FALSE(Interface("eth0").isWireless());
+}
+
+TEST(NetworkInterfaceTest, StatsPrintAsALabelledBlock) {
+    static_assert(std::is_same_v<Interface::Stats, TR::NetworkStats>);
+    Interface::Stats stats;
+    stats.bytesSent = 1;
+    stats.bytesReceived = 18446744073709551615U;
+    stats.packetsSent = 98;
+    stats.packetsReceived = 99;
+    stats.errorsSent = 3;
+    stats.errorsReceived = 4;
+    stats.discardPacketsSent = 5;
+    stats.discardPacketsReceived = 6;
+    stats.unicastPacketsSent = 7;
+    stats.unicastPacketsReceived = 8;
+    stats.multicastPacketsSent = 9;
+    stats.multicastPacketsReceived = 10;
+    stats.broadcastPacketsSent = 11;
+    stats.broadcastPacketsReceived = 12;
+    stats.unknownProtoPacketsReceived = 13;
+    EXPECT_EQ(printed(stats),
+              "======Stats======\n"
+              "Bytes Sent: 1\n"
+              "Bytes Received: 18446744073709551615\n"
+              "Errors Sent: 3\n"
+              "Errors Received: 4\n"
+              "Discard Packets Sent: 5\n"
+              "Discard Packets Received: 6\n"
+              "Unicast Packets Sent: 7\n"
+              "Unicast Packets Received: 8\n"
+              "Multicast Packets Sent: 9\n"
+              "Multicast Packets Received: 10\n"
+              "Broadcast PacketsSent: 11\n"
+              "Broadcast Packets Received: 12\n"
+              "Unknown Proto Packets Received: 13\n"
+              "======Stats end======\n");
+}
+
+TEST(NetworkInterfaceTest, AnInterfacePrintsAsALabelledBlock) {
+    ASSERT_EQ(setenv("TZ", "UTC", 1), 0);
+    tzset();
+    Interface interface("eth0");
+    interface.alias = "Living room";
+    interface.hardwareAddress = "00:1a:2b:3c:4d:5e";
+    interface.ipv4Address = "192.168.1.20";
+    interface.subnetMask = "255.255.255.0";
+    interface.enable = true;
+    interface.status = Status::LowerLayerDown;
+    interface.lastChange = 93'784'000'000;
+    EXPECT_EQ(printed(interface),
+              "======Interface======\n"
+              "Name: eth0\n"
+              "Alias: Living room\n"
+              "Hw Address: 00:1a:2b:3c:4d:5e\n"
+              "Address: 192.168.1.20\n"
+              "Mask: 255.255.255.0\n"
+              "Enable: 1\n"
+              "Status: LowerLayerDown\n"
+              "Last Change: 1970-01-02 02:03:04\n"
+              "======Interface end======\n");
+}
+
+}  // namespace
