@@ -1,0 +1,73 @@
+# shellcheck shell=dash
+# What every stand-in has in common; each begins with
+#
+#     . /usr/kelm-box/standin.sh
+#
+# It logs the call, then fails as /run/kelm-box/fault/COMMAND says. A call is one line and one
+# write, so lines of calls at the same time never mix (echo of busybox writes once). Nothing here
+# starts a process unless a fault is set: the daemon's own cost is measured beside it.
+
+name=${0##*/}
+newline='
+'
+
+log_call() {
+    local line="$name${1+ $*}"
+    case $line in
+        *"$newline"*) line=${line//$newline/\\n} ;;
+    esac
+    echo "$line" >>"/run/kelm-box/log/$name"
+}
+
+# The fault is switched off for the inner call only, so that it is answered as usual, unlogged.
+usual_answer() {
+    KELM_STANDIN_INNER=1 "$0" "$@"
+}
+
+fail() { # fail KIND [NUMBER] -- ARGUMENT...
+    local kind=$1 number=
+    shift
+    if [ "$1" != -- ]; then
+        number=$1
+        shift
+    fi
+    shift
+    case $kind in
+        exit) exit "${number:-1}" ;;
+        silent) exit 0 ;;
+        garbage)
+            printf '\377\376\001\000\303(\200kB\r\n\000=\355\240\200: 239.\300\200\n'
+            printf '\033[31m\a%%s%%n\t"\\\365\277\n\342\202\000\177'
+            exit 0
+            ;;
+        flood) yes "$name goes on and on and on" | head -c 10485760 && exit 0 ;;
+        noeol)
+            number=0
+            answer=$(usual_answer "$@") || number=$?
+            printf '%s' "$answer"
+            exit "$number"
+            ;;
+        slow) sleep "${number:-1}" ;;
+        hang) exec sleep 1000000 ;;
+        # The pipe ends but the command does not, for a while.
+        closeearly)
+            exec >&-
+            sleep "${number:-2}"
+            exit 0
+            ;;
+        # The command ends but the pipe does not, for a while.
+        background) sleep "${number:-5}" & ;;
+        *) echo "$name: no such fault: $kind" >&2 && exit 99 ;;
+    esac
+}
+
+if [ -z "${KELM_STANDIN_INNER-}" ]; then
+    log_call "$@"
+    if [ -e "/run/kelm-box/fault/$name" ]; then
+        read -r kind number <"/run/kelm-box/fault/$name" || true
+        # shellcheck disable=SC2154  # read sets them
+        if [ "$kind" ]; then
+            fail "$kind" ${number:+"$number"} -- "$@"
+        fi
+    fi
+fi
