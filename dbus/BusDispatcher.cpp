@@ -47,7 +47,8 @@ BusDispatcher::~BusDispatcher() {
 
 void BusDispatcher::enter() {
     while (!leaving_) {
-        dispatch_pending();
+        // A message that came in while another one was dispatched waits in the queue, with no event to tell.
+        while (has_something_to_dispatch() && !leaving_) dispatch_pending();
         if (watches_.empty() || isBusLost()) busLost_ = true;
         if (busLost_ || leaving_) return;
         if (!waitAndHandle()) busLost_ = true;

@@ -6,7 +6,7 @@
 
 // Checked POSIX threads. No call here reports an error: a failing one means that the program's own
 // locking is broken, and going on would corrupt the parameter store. The process then prints an
-// assertion report with a back-trace and kills itself; the box's supervisor starts it again.
+// assertion report with a back-trace and kills itself.
 namespace pthread_helper {
 
 // One verified condition. Its text and line are stable names that field logs are searched for: they

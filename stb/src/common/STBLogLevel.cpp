@@ -17,8 +17,7 @@ constexpr int kRed = 31;
 constexpr int kYellow = 33;
 constexpr int kBlue = 34;
 
-// TRACE is one past the last syslog severity on purpose: syslog filters of the box tell it from
-// DEBUG by that.
+// TRACE is one past the last syslog severity on purpose; syslog takes it as another facility's.
 constexpr Row kRows[] = {
     {STBLogLevel::Error, "ERROR", "E", kRed, 3},
     {STBLogLevel::Warn, "WARN", "W", kYellow, 4},

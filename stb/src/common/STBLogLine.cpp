@@ -28,7 +28,6 @@ void STBLogLine::appendTimeOfDay() {
     gettimeofday(&now, nullptr);
     const time_t seconds = now.tv_sec;
     tm local{};
-    tzset();  // localtime_r() alone would not notice a changed time zone
     localtime_r(&seconds, &local);
     char clock[16] = "";
     std::strftime(clock, sizeof clock, "%H:%M:%S", &local);

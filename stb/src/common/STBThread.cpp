@@ -6,7 +6,6 @@
 #include <exception>
 #include <utility>
 
-#include <cxxabi.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
@@ -143,13 +142,14 @@ void STBThread::runGuarded() {
     const CompletionMark mark(completed_);
     try {
         run();
-    } catch (const abi::__forced_unwind&) {
-        throw;  // pthread_cancel() and pthread_exit() unwind this way and must get through
     } catch (const std::exception& error) {
         STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, kSource,
                       "Thread %p ended by an exception: %s", static_cast<void*>(this),
                       error.what());
     } catch (...) {
+        if (!std::current_exception()) {
+            throw;  // no C++ exception: pthread_cancel() or pthread_exit() unwinds the thread
+        }
         STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, kSource,
                       "Thread %p ended by an unknown exception", static_cast<void*>(this));
     }

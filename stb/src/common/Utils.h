@@ -39,8 +39,8 @@ std::string toUpperString(const std::string& text);
 void toLower(std::string& text);
 void toUpper(std::string& text);
 
-// Makes the text safe inside a JSON string. Every byte above 126 is escaped by itself, so UTF-8
-// characters come out as several escapes; the receiver knows.
+// Makes the text safe inside a JSON string. Every byte above 126 is escaped by itself, so a UTF-8
+// character comes out as several escapes, on purpose.
 std::string escapeForJson(const std::string& text);
 
 // Parses local time by strptime(); 0 when the text does not match. Seconds since the epoch beyond

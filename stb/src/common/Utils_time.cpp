@@ -33,8 +33,8 @@ timeval getTimevalFromString(const std::string& text, const std::string& format)
     return result;
 }
 
-// Breaks the time down as UTC and reads it back as local time. That mix is on purpose: the ACS is
-// used to intervals that are shifted by the box's time zone.
+// Breaks the time down as UTC and reads it back as local time. That mix is on purpose and must
+// stay: outside UTC the result is shifted by the zone's offset.
 timeval getBeginningTimeval(const NSTime& time, TimeUnit unit) {
     const time_t seconds = time.toTimeT();
     tm parts{};

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "box/client/TrClient.h"
+#include "tests/support/Box.h"
+#include "tests/support/Child.h"
+#include "tests/support/PrivateBus.h"
+
+/// The unmodified daemon in the box, with a session bus of its own, spoken to over D-Bus only.
+class DaemonTest : public ::testing::Test {
+  protected:
+    void startBus(const std::string& limits = "");
+    /// Starts the program and returns at once.
+    void launch(const Child::Environment& environment = {});
+    /// Starts bus and daemon and waits for the end of the first cycle.
+    void start(const std::string& limits = "");
+    void waitForFirstCycle();
+    /// Waits until that many cycles more have ended; told by the calls of ps, two a cycle.
+    void waitForCycles(std::size_t count);
+
+    Child& daemon() { return *daemon_; }
+    PrivateBus& bus() { return *bus_; }
+    TrClient& client() { return *client_; }
+    std::string value(const std::string& address) { return client().getValue(address).text; }
+    bool logHas(const std::string& text) const;
+
+    /// The daemon has stopped in order, with this status.
+    void expectEnd(const ExitStatus& status);
+    void expectAnswers();
+
+  private:
+    std::unique_ptr<PrivateBus> bus_;
+    std::unique_ptr<Child> daemon_;
+    std::unique_ptr<TrClient> client_;
+};

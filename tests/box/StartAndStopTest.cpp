@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <random>
+#include <string>
+#include <thread>
+
+#include "tests/box/DaemonTest.h"
+
+namespace {
+
+class StartAndStopTest : public DaemonTest {};
+
+TEST_F(StartAndStopTest, OneInterruptEndsInOrderWithStatusZero) {
+    start();
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+TEST_F(StartAndStopTest, AnInterruptLetsTheCycleUnderWayFinish) {
+    box::setFault("ps", "slow 1");
+    startBus();
+    launch();
+    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+    EXPECT_EQ(box::calls("ps").size(), 2U);
+}
+
+TEST_F(StartAndStopTest, TwoInterruptsEndAtOnceWithStatus255WhileACommandIsSlow) {
+    box::setFault("ps", "slow 30");
+    startBus();
+    launch();
+    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+    daemon().send(SIGINT);
+    // A blocked signal is pending until main has taken the first one; only then is the second one a second.
+    EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
+    daemon().send(SIGINT);
+    const auto end = daemon().waitForEnd(std::chrono::seconds(10));
+    ASSERT_TRUE(end.has_value());
+    EXPECT_EQ(*end, (ExitStatus{255, 0}));
+}
+
+TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
+    start();
+    box::writeFile("/tmp/.easycwmp_notif_param_value",
+                   R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
+                   "\n");
+    box::setFault("ubus", "slow 30");
+    ASSERT_TRUE(client().updateNotifTable().ok);
+    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    daemon().send(SIGINT);
+    EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
+    daemon().send(SIGINT);
+    const auto end = daemon().waitForEnd(std::chrono::seconds(10));
+    ASSERT_TRUE(end.has_value());
+    EXPECT_EQ(*end, (ExitStatus{255, 0}));
+}
+
+TEST_F(StartAndStopTest, AnInterruptWhileTheNotifyCommandRunsIsNotLost) {
+    start();
+    box::writeFile("/tmp/.easycwmp_notif_param_value",
+                   R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
+                   "\n");
+    box::setFault("ubus", "slow 2");
+    ASSERT_TRUE(client().updateNotifTable().ok);
+    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+TEST_F(StartAndStopTest, TerminateAndHangUpKeepTheirDefaultActions) {
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        start();
+        daemon().send(signal);
+        expectEnd({0, signal});
+    }
+}
+
+TEST_F(StartAndStopTest, AnInterruptAtAnyPointOfTheStartStopsTheDaemon) {
+    startBus();
+    std::mt19937 random(1);
+    for (int i = 0; i < 200; ++i) {
+        launch();
+        // From before main() to a running daemon, which takes some tens of milliseconds.
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 60000));
+        daemon().send(SIGINT);
+        const auto end = daemon().waitForEnd(std::chrono::seconds(30));
+        ASSERT_TRUE(end.has_value()) << "round " << i << " hangs\n" << daemon().output();
+        // Before main() has taken hold of the signal, its default action ends the process.
+        const bool beforeMain = *end == ExitStatus{0, SIGINT};
+        EXPECT_TRUE(beforeMain || *end == ExitStatus{}) << *end << daemon().output();
+    }
+}
+
+TEST_F(StartAndStopTest, WithoutABusTheReasonIsLoggedAndTheWorkerGoesOn) {
+    launch({{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus"}});
+    ASSERT_TRUE(box::waitUntil([this] { return logHas("ERROR"); }));
+    EXPECT_TRUE(logHas("/no/such/bus")) << daemon().output();
+    EXPECT_TRUE(box::waitUntil([] { return box::calls("ps").size() >= 4; }));
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+TEST_F(StartAndStopTest, ABadBusAddressIsNamedInTheLog) {
+    launch({{"DBUS_SESSION_BUS_ADDRESS", "nonsense"}});
+    ASSERT_TRUE(box::waitUntil([this] { return logHas("ERROR"); }));
+    EXPECT_TRUE(logHas("nonsense")) << daemon().output();
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+TEST_F(StartAndStopTest, ATakenNameIsWarnedOfAndServedAllTheSame) {
+    start();
+    Child second({KELM_TRD_PROGRAM}, "/tmp/second-output");
+    ASSERT_TRUE(box::waitUntil(
+        [&] { return second.output().find("WARN") != std::string::npos; }));
+    const std::string log = second.output();
+    const std::size_t start = log.find("serving as ");
+    ASSERT_NE(start, std::string::npos) << log;
+    const std::string name = log.substr(start + 11, log.find(' ', start + 11) - start - 11);
+    TrClient other(bus().address(), name);
+    EXPECT_TRUE(box::waitUntil(
+        [&] { return other.getValue("Device.DeviceInfo.Manufacturer").text == "KELM"; }));
+    second.send(SIGINT);
+    EXPECT_EQ(second.waitForEnd(), (ExitStatus{0, 0}));
+    expectAnswers();
+}
+
+TEST_F(StartAndStopTest, ABusThatDiesWhileIdleEndsTheDaemonWithAnError) {
+    start();
+    bus().kill();
+    expectEnd({1, 0});
+    EXPECT_TRUE(logHas("ERROR"));
+    EXPECT_TRUE(logHas("session bus")) << daemon().output();
+}
+
+TEST_F(StartAndStopTest, ABusThatDiesInTheMiddleOfACallEndsTheDaemonWithAnError) {
+    start();
+    box::setFault("uci", "slow 20");
+    const TrClient::Pending call = client().sendGetValue("Device.DeviceInfo.ProvisioningCode");
+    ASSERT_TRUE(box::waitUntil([] { return !box::calls("uci").empty(); }));
+    bus().kill();
+    // The call itself lasts twenty seconds; the daemon does not wait for it.
+    const auto end = daemon().waitForEnd(std::chrono::seconds(10));
+    ASSERT_TRUE(end.has_value());
+    EXPECT_EQ(*end, (ExitStatus{1, 0}));
+    EXPECT_TRUE(logHas("ERROR"));
+}
+
+TEST_F(StartAndStopTest, ABusThatDiesWhileTheWorkerHoldsTheStoreEndsTheDaemonWithAnError) {
+    start();
+    box::setFault("ps", "slow 20");
+    const std::size_t before = box::calls("ps").size();
+    ASSERT_TRUE(box::waitUntil([=] { return box::calls("ps").size() > before; }));
+    const TrClient::Pending call = client().sendGetValue("Device.DeviceInfo.UpTime");
+    bus().kill();
+    const auto end = daemon().waitForEnd(std::chrono::seconds(10));
+    ASSERT_TRUE(end.has_value());
+    EXPECT_EQ(*end, (ExitStatus{1, 0}));
+}
+
+TEST_F(StartAndStopTest, AFailedWorkerEndsTheDaemonWithAnError) {
+    ASSERT_EQ(std::system("mount --bind /dev/null /proc/meminfo"), 0);
+    startBus();
+    launch();
+    expectEnd({1, 0});
+    EXPECT_TRUE(logHas("ERROR"));
+    EXPECT_TRUE(logHas("basic_string::substr")) << daemon().output();
+}
+
+TEST_F(StartAndStopTest, AnIdleDaemonHasThreeThreads) {
+    start();
+    EXPECT_EQ(daemon().threadCount(), 3U);
+}
+
+TEST_F(StartAndStopTest, TheLogIsSilentInANormalLife) {
+    start();
+    waitForCycles(1);
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+    EXPECT_EQ(daemon().output(), "");
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// How a process ended.
+struct ExitStatus {
+    int code = 0;    ///< its exit status, when no signal ended it
+    int signal = 0;  ///< the signal that ended it, or 0
+
+    bool operator==(const ExitStatus& other) const {
+        return code == other.code && signal == other.signal;
+    }
+};
+std::ostream& operator<<(std::ostream& stream, const ExitStatus& status);
+
+/// A child process of a test, its output in a file. Killed and reaped with the object.
+class Child {
+  public:
+    using Environment = std::vector<std::pair<std::string, std::string>>;
+
+    /// \p output takes standard output and standard error. Throws std::system_error when there is no process to be
+    /// had; a program that does not exist ends with status 127.
+    Child(const std::vector<std::string>& command, const std::string& output,
+          const Environment& environment = {});
+    ~Child();
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    pid_t pid() const { return pid_; }
+    bool isRunning();
+    void send(int signal) const;
+    /// Nothing when it still runs at the deadline.
+    std::optional<ExitStatus> waitForEnd(std::chrono::milliseconds deadline = std::chrono::seconds(30));
+    /// What it has printed so far.
+    std::string output() const;
+    /// CPU time that it has used so far, in clock ticks; 0 when it has ended.
+    unsigned long long cpuTicks() const;
+    /// Its threads; 0 when it has ended.
+    std::size_t threadCount() const;
+
+  private:
+    pid_t pid_;
+    std::string outputFile_;
+    std::optional<ExitStatus> end_;
+};

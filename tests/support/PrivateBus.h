@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "tests/support/Child.h"
+
+/// A session bus of a test's own, inside the box. Its address is in DBUS_SESSION_BUS_ADDRESS as long as the
+/// object lives, also while the bus itself is down.
+class PrivateBus {
+  public:
+    /// With \p limits, such as `<limit name="max_message_size">100000</limit>`, in its configuration.
+    explicit PrivateBus(const std::string& limits = "");
+    ~PrivateBus();
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    const std::string& address() const { return address_; }
+    /// Ends the bus at once, as a crash would.
+    void kill();
+    void start();
+
+  private:
+    std::string configuration_;
+    std::string address_;
+    std::unique_ptr<Child> daemon_;
+};

@@ -1,0 +1,302 @@
+#include "dbus/DBusWorker.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "box/client/TrClient.h"
+#include "model/Storage.h"
+#include "tests/support/Box.h"
+#include "tests/support/PrivateBus.h"
+
+namespace {
+
+using TR::Address;
+using TR::Value;
+using List = std::vector<std::string>;
+
+const std::string kBad = "\xEF\xBF\xBD";
+constexpr char kLimitsExceeded[] = "org.freedesktop.DBus.Error.LimitsExceeded";
+
+/// The D-Bus thread of this process, served with a store of the test's own.
+class DBusWorkerTest : public ::testing::Test {
+  protected:
+    void serve(TR::Storage* storage, const std::string& limits = "") {
+        bus_ = std::make_unique<PrivateBus>(limits);
+        worker_ = std::make_unique<TR::DBusWorker>(storage);
+        worker_->start();
+        waitUntilServed();
+    }
+    void waitUntilServed() {
+        client_ = std::make_unique<TrClient>(bus_->address());
+        ASSERT_TRUE(box::waitUntil([&] { return client_->getValue("").ok; }));
+    }
+    void TearDown() override {
+        client_.reset();
+        worker_.reset();
+        bus_.reset();
+    }
+
+    Value& at(const std::string& path) { return storage_[Address(path)]; }
+    void fill(const std::string& path, Value value) {
+        value.setMutableByUser(true);
+        storage_.set(Address(path), value);
+    }
+    TrClient& client() { return *client_; }
+
+    TR::Storage storage_;
+    std::unique_ptr<PrivateBus> bus_;
+    std::unique_ptr<TR::DBusWorker> worker_;
+    std::unique_ptr<TrClient> client_;
+};
+
+TEST_F(DBusWorkerTest, AnEmptyStoreListsAsAnEmptyArray) {
+    serve(&storage_);
+    const auto addresses = client().listAddresses();
+    EXPECT_TRUE(addresses.ok) << addresses.errorName;
+    EXPECT_EQ(addresses.list, List{});
+    const auto parameters = client().listParametersOnly();
+    EXPECT_TRUE(parameters.ok) << parameters.errorName;
+    EXPECT_EQ(parameters.list, List{});
+}
+
+TEST_F(DBusWorkerTest, WithoutAStoreReadsAreEmptyAndWritesDoNothing) {
+    serve(nullptr);
+    EXPECT_EQ(client().getValue("a").text, "");
+    EXPECT_EQ(client().getWritable("a").text, "");
+    EXPECT_EQ(client().getForcedInform("a").text, "");
+    EXPECT_EQ(client().listAddresses().list, List{});
+    EXPECT_EQ(client().listParametersOnly().list, List{});
+    EXPECT_TRUE(client().set("a", "b").ok);
+}
+
+TEST_F(DBusWorkerTest, AnUnknownAddressReadsEmptyAndAddsNothing) {
+    serve(&storage_);
+    EXPECT_EQ(client().getValue("Device.Nothing").text, "");
+    EXPECT_EQ(client().listAddresses().list, List{});
+}
+
+TEST_F(DBusWorkerTest, AskingWhetherAnUnknownAddressIsWritableAddsIt) {
+    serve(&storage_);
+    EXPECT_EQ(client().getWritable("Device.Nothing").text, "0");
+    EXPECT_EQ(client().getForcedInform("Device.Other").text, "0");
+    EXPECT_TRUE(client().set("Device.Third", "x").ok);
+    EXPECT_EQ(client().listAddresses().list, (List{"Device.Nothing", "Device.Other", "Device.Third"}));
+    EXPECT_EQ(client().getValue("Device.Third").text, "");
+}
+
+TEST_F(DBusWorkerTest, TheFlagsReadAsOneOrZero) {
+    fill("a", Value(1LL));
+    at("a").setForcedInform(true);
+    storage_.set(Address("b"), Value(1LL));
+    serve(&storage_);
+    EXPECT_EQ(client().getWritable("a").text, "1");
+    EXPECT_EQ(client().getForcedInform("a").text, "1");
+    EXPECT_EQ(client().getWritable("b").text, "0");
+    EXPECT_EQ(client().getForcedInform("b").text, "0");
+}
+
+TEST_F(DBusWorkerTest, ParametersAreListedWithoutTheObjects) {
+    storage_.set(Address("Device."), Value::Object());
+    storage_.set(Address("Device.b"), Value(1LL));
+    storage_.set(Address("Device.a"), Value(1LL));
+    serve(&storage_);
+    EXPECT_EQ(client().listAddresses().list, (List{"Device.", "Device.a", "Device.b"}));
+    EXPECT_EQ(client().listParametersOnly().list, (List{"Device.a", "Device.b"}));
+}
+
+TEST_F(DBusWorkerTest, AnIntegerIsConvertedAndReadBack) {
+    fill("a", Value(1LL));
+    serve(&storage_);
+    EXPECT_TRUE(client().set("a", "42abc").ok);
+    EXPECT_EQ(client().getValue("a").text, "42");
+}
+
+TEST_F(DBusWorkerTest, ATextThatIsNoNumberIsALogicErrorAndChangesNothing) {
+    fill("a", Value(1LL));
+    serve(&storage_);
+    for (const char* text : {"abc", "", "12345678901234567890"}) {
+        const auto reply = client().set("a", text);
+        EXPECT_FALSE(reply.ok);
+        EXPECT_EQ(reply.errorName, "org.freedesktop.DBus.Error.Failed");
+        EXPECT_EQ(reply.errorText, "Logic error");
+    }
+    EXPECT_EQ(client().getValue("a").text, "1");
+    // The mutex was released on the way: the next write goes through.
+    EXPECT_TRUE(client().set("a", "2").ok);
+    EXPECT_EQ(client().getValue("a").text, "2");
+}
+
+TEST_F(DBusWorkerTest, AReadOnlyValueIsLeftAloneWithoutAnError) {
+    storage_.set(Address("a"), Value(1LL));
+    serve(&storage_);
+    EXPECT_TRUE(client().set("a", "2").ok);
+    EXPECT_EQ(client().getValue("a").text, "1");
+}
+
+TEST_F(DBusWorkerTest, AFilePathWinsOverAConfigurationPath) {
+    fill("a", Value(std::string()));
+    at("a").setFilePathToStoreValue("/var/kelm/a");
+    at("a").setPathInConfig("easycwmp.@local[0].a");
+    serve(&storage_);
+    EXPECT_TRUE(client().set("a", "text\n").ok);
+    EXPECT_EQ(box::readFile("/var/kelm/a"), "text\n");
+    EXPECT_EQ(client().getValue("a").text, "text\n");
+    EXPECT_EQ(at("a").getString(), "");
+    EXPECT_TRUE(box::calls("uci").empty());
+}
+
+TEST_F(DBusWorkerTest, AConfigurationPathRunsUciWithTheTextInQuotes) {
+    fill("a", Value(std::string()));
+    at("a").setPathInConfig("easycwmp.@local[0].a");
+    serve(&storage_);
+    EXPECT_TRUE(client().set("a", "two words").ok);
+    EXPECT_EQ(box::calls("uci"), List{"uci -q set easycwmp.@local[0].a=two words"});
+    EXPECT_EQ(at("a").getString(), "");
+    EXPECT_EQ(client().getValue("a").text, "two words");
+}
+
+TEST_F(DBusWorkerTest, AQuoteInTheTextReachesTheShellUnchanged) {
+    fill("a", Value(std::string()));
+    at("a").setPathInConfig("easycwmp.@local[0].a");
+    serve(&storage_);
+    // The shell sees a.b.c="x" y "z", which is one word x, then y, then z.
+    EXPECT_TRUE(client().set("a", "x\" y \"z").ok);
+    EXPECT_EQ(box::calls("uci"), List{"uci -q set easycwmp.@local[0].a=x y z"});
+}
+
+TEST_F(DBusWorkerTest, AFailingUciOrFileIsNotReported) {
+    fill("a", Value(std::string()));
+    at("a").setPathInConfig("no.such.package");
+    fill("b", Value(std::string()));
+    at("b").setFilePathToStoreValue("/no/such/folder/file");
+    serve(&storage_);
+    EXPECT_TRUE(client().set("a", "x").ok);
+    EXPECT_TRUE(client().set("b", "x").ok);
+    EXPECT_EQ(client().getValue("b").text, "");
+}
+
+TEST_F(DBusWorkerTest, AnyBytesInAValueArriveAsValidText) {
+    std::string everyByte;
+    for (int byte = 0; byte < 256; ++byte) everyByte += static_cast<char>(byte);
+    storage_.set(Address("a"), Value(std::string("ok\xFF") + std::string("\0", 1) + "\xC3\xA9"));
+    storage_.set(Address("b"), Value(everyByte));
+    Value list(Value::Type::String, 0);
+    list.listPushString("\xFE");
+    list.listPushString("x");
+    storage_.set(Address("c"), list);
+    storage_.set(Address("d\xFF"), Value(1LL));
+    serve(&storage_);
+    EXPECT_EQ(client().getValue("a").text, "ok" + kBad + kBad + "\xC3\xA9");
+    EXPECT_EQ(client().getValue("b").text.size(), 127U + 129U * kBad.size());
+    EXPECT_EQ(client().getValue("c").text, kBad + ", x");
+    EXPECT_EQ(client().listAddresses().list, (List{"a", "b", "c", "d" + kBad}));
+    EXPECT_EQ(client().listParametersOnly().list.size(), 4U);
+}
+
+TEST_F(DBusWorkerTest, AReplyBeyondTheBussOwnLimitIsAnErrorForThatCallAlone) {
+    storage_.set(Address("big"), Value(std::string(100000, 'x')));
+    storage_.set(Address("fits"), Value(std::string(100000 - 200, 'x')));
+    serve(&storage_, "<limit name=\"max_message_size\">100000</limit>");
+    const auto reply = client().getValue("big");
+    EXPECT_FALSE(reply.ok);
+    EXPECT_EQ(reply.errorName, kLimitsExceeded);
+    EXPECT_EQ(client().getValue("fits").text.size(), 100000U - 200U);
+    EXPECT_FALSE(worker_->isBusLost());
+}
+
+TEST_F(DBusWorkerTest, BytesThatGrowOnTheirWayOutCountWithTheirGrowth) {
+    storage_.set(Address("bad"), Value(std::string(50000, '\xFF')));
+    serve(&storage_, "<limit name=\"max_message_size\">100000</limit>");
+    EXPECT_EQ(client().getValue("bad").errorName, kLimitsExceeded);
+    EXPECT_TRUE(client().getValue("").ok);
+}
+
+TEST_F(DBusWorkerTest, AListBeyondTheLimitIsAnErrorForThatCallAlone) {
+    for (int i = 0; i < 3000; ++i) {
+        storage_.set(Address("Device.A.Rather.Long.Name." + std::to_string(i)), Value(1LL));
+    }
+    serve(&storage_, "<limit name=\"max_message_size\">100000</limit>");
+    EXPECT_EQ(client().listAddresses().errorName, kLimitsExceeded);
+    EXPECT_EQ(client().listParametersOnly().errorName, kLimitsExceeded);
+    EXPECT_TRUE(client().getValue("").ok);
+}
+
+TEST_F(DBusWorkerTest, AReplyBeyondTheProtocolsLimitIsAnErrorForThatCallAlone) {
+    storage_.set(Address("big"), Value(std::string(1U << 27, 'x')));
+    serve(&storage_, "<limit name=\"max_message_size\">1000000000</limit>"
+                     "<limit name=\"max_incoming_bytes\">1000000000</limit>"
+                     "<limit name=\"max_outgoing_bytes\">1000000000</limit>");
+    EXPECT_EQ(client().getValue("big").errorName, kLimitsExceeded);
+    EXPECT_TRUE(client().getValue("").ok);
+}
+
+TEST_F(DBusWorkerTest, ALargeReplyBelowTheLimitArrives) {
+    storage_.set(Address("log"), Value(std::string(16U << 20, 'x')));
+    serve(&storage_);
+    EXPECT_EQ(client().getValue("log").text.size(), 16U << 20);
+}
+
+TEST_F(DBusWorkerTest, TheNotificationTableIsReloadedAndItsChangesFetched) {
+    serve(&storage_);
+    EXPECT_EQ(client().checkValueChange().text, "");
+    box::writeFile("/tmp/.easycwmp_notif_param_value",
+                   R"({ "parameter": "a", "value": "", "notification": "2" })"
+                   "\n");
+    EXPECT_TRUE(client().updateNotifTable().ok);
+    storage_.getNotifTable().tryTriggerNotify({{Address("a"), Value(std::string("bad \xFF"))}});
+    EXPECT_EQ(client().checkValueChange().text,
+              R"({ "parameter": "a", "value": "bad )" + kBad + R"(", "notification": "2" })" + "\n");
+}
+
+TEST_F(DBusWorkerTest, StoppingAndStartingServesAgain) {
+    fill("a", Value(1LL));
+    serve(&storage_);
+    worker_->stop();
+    EXPECT_FALSE(client().getValue("a").ok);
+    worker_->start();
+    waitUntilServed();
+    EXPECT_EQ(client().getValue("a").text, "1");
+}
+
+TEST_F(DBusWorkerTest, AStopAtAnyPointOfTheStartEndsTheThread) {
+    bus_ = std::make_unique<PrivateBus>();
+    for (int i = 0; i < 100; ++i) {
+        TR::DBusWorker worker(&storage_);
+        worker.start();
+        for (int spins = i * 50; spins > 0; --spins) sched_yield();
+        worker.stop();
+        EXPECT_TRUE(worker.hasCompleted());
+    }
+}
+
+TEST_F(DBusWorkerTest, ALostBusEndsTheThreadAndIsTold) {
+    serve(&storage_);
+    EXPECT_FALSE(worker_->isBusLost());
+    bus_->kill();
+    EXPECT_TRUE(box::waitUntil([&] { return worker_->isBusLost() && worker_->hasCompleted(); }));
+}
+
+TEST_F(DBusWorkerTest, ALostBusIsToldWhileACallIsHeldUp) {
+    serve(&storage_);
+    {
+        const pthread_helper::scoped_lock lock(storage_.getStorageMutex());
+        const TrClient::Pending call = client().sendGetValue("a");
+        bus_->kill();
+        EXPECT_TRUE(box::waitUntil([&] { return worker_->isBusLost(); }));
+    }
+    EXPECT_TRUE(box::waitUntil([&] { return worker_->hasCompleted(); }));
+}
+
+TEST_F(DBusWorkerTest, WithoutABusTheThreadEndsAndNoBusIsLost) {
+    setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus", 1);
+    TR::DBusWorker worker(&storage_);
+    worker.start();
+    EXPECT_TRUE(box::waitUntil([&] { return worker.hasCompleted(); }));
+    EXPECT_FALSE(worker.isBusLost());
+    worker.stop();
+}
+
+}  // namespace

@@ -1,0 +1,21 @@
+// Takes the place of the C library's syslog calls in the test program and writes them to stderr.
+#include <cstdarg>
+#include <cstdio>
+
+#include <syslog.h>
+
+extern "C" {
+
+void openlog(const char* ident, int option, int facility) {
+    std::fprintf(stderr, "openlog(%s, %d, %d)\n", ident == nullptr ? "null" : ident, option,
+                 facility);
+}
+
+__attribute__((format(printf, 2, 0))) void vsyslog(int priority, const char* format,
+                                                   va_list arguments) {
+    std::fprintf(stderr, "syslog %d: ", priority);
+    std::vfprintf(stderr, format, arguments);
+    std::fputc('\n', stderr);
+}
+
+}  // extern "C"

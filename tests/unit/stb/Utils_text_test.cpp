@@ -1,0 +1,33 @@
+#include "stb/src/common/Lines.h"
+#include "stb/src/common/Utils.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace TR::Utils;
+using Texts = std::vector<std::string>;
+
+TEST(UtilsTextTest, CopiesChangeCaseAndLeaveTheOriginal) {
+    const std::string text = "MiXed 42 \xc3\x84";
+    EXPECT_EQ(toLowerString(text), "mixed 42 \xc3\x84");
+    EXPECT_EQ(toUpperString(text), "MIXED 42 \xc3\x84");
+    EXPECT_EQ(text, "MiXed 42 \xc3\x84");
+    EXPECT_EQ(toUpperString(""), "");
+}
+
+TEST(UtilsTextTest, TextsChangeCaseInPlace) {
+    std::string text("aB\0c", 4);
+    toUpper(text);
+    EXPECT_EQ(text, std::string("AB\0C", 4));
+    toLower(text);
+    EXPECT_EQ(text, std::string("ab\0c", 4));
+}
+
+TEST(UtilsTextTest, LinesAreSplitWithOrWithoutTheirLineFeeds) {
+    EXPECT_EQ(splitLines("a\n\nb", LineFeeds::Drop), (Texts{"a", "", "b"}));
+    EXPECT_EQ(splitLines("a\n\nb", LineFeeds::Keep), (Texts{"a\n", "\n", "b"}));
+    EXPECT_EQ(splitLines("a\nb\n", LineFeeds::Keep, 1), Texts{"a\n"});
+    EXPECT_TRUE(splitLines("", LineFeeds::Keep).empty());
+}
