@@ -4,8 +4,12 @@
 
 namespace {
 
-constexpr char kInterface[] = "com.kelm.stb.TR";
-constexpr char kObjectPath[] = "/com/kelm/stb/TR";
+TrReply failed(const char* name, const char* text) {
+    TrReply reply;
+    reply.errorName = name == nullptr ? "" : name;
+    reply.errorText = text == nullptr ? "" : text;
+    return reply;
+}
 
 /// libdbus's error record, freed on every path.
 class Error {
@@ -16,27 +20,11 @@ class Error {
     Error& operator=(const Error&) = delete;
 
     DBusError* get() { return &error_; }
-    TrReply reply() const {
-        TrReply failed;
-        failed.errorName = error_.name == nullptr ? "" : error_.name;
-        failed.errorText = error_.message == nullptr ? "" : error_.message;
-        return failed;
-    }
+    TrReply reply() const { return failed(error_.name, error_.message); }
 
   private:
     DBusError error_{};
 };
-
-DBusConnection* open(const std::string& busAddress) {
-    Error error;
-    DBusConnection* connection = dbus_connection_open_private(busAddress.c_str(), error.get());
-    if (connection == nullptr) return nullptr;
-    dbus_connection_set_exit_on_disconnect(connection, FALSE);
-    if (dbus_bus_register(connection, error.get()) != FALSE) return connection;
-    dbus_connection_close(connection);
-    dbus_connection_unref(connection);
-    return nullptr;
-}
 
 std::string stringAt(DBusMessageIter& position) {
     const char* text = "";
@@ -47,10 +35,16 @@ std::string stringAt(DBusMessageIter& position) {
 TrReply read(DBusMessage* message) {
     TrReply reply;
     reply.ok = true;
+    reply.signature = dbus_message_get_signature(message);
     DBusMessageIter position;
     dbus_message_iter_init(message, &position);
-    if (dbus_message_iter_get_arg_type(&position) == DBUS_TYPE_STRING) reply.text = stringAt(position);
-    if (dbus_message_iter_get_arg_type(&position) != DBUS_TYPE_ARRAY) return reply;
+    const int type = dbus_message_iter_get_arg_type(&position);
+    if (type == DBUS_TYPE_STRING) {
+        reply.text = stringAt(position);
+    }
+    if (type != DBUS_TYPE_ARRAY) {
+        return reply;
+    }
     DBusMessageIter element;
     dbus_message_iter_recurse(&position, &element);
     while (dbus_message_iter_get_arg_type(&element) == DBUS_TYPE_STRING) {
@@ -60,11 +54,9 @@ TrReply read(DBusMessage* message) {
     return reply;
 }
 
-TrReply unreachable() {
-    TrReply reply;
-    reply.errorName = DBUS_ERROR_DISCONNECTED;
-    reply.errorText = "The bus cannot be reached";
-    return reply;
+void append(DBusMessageIter& position, const std::string& argument) {
+    const char* text = argument.c_str();
+    dbus_message_iter_append_basic(&position, DBUS_TYPE_STRING, &text);
 }
 
 }  // namespace
@@ -80,35 +72,118 @@ void TrClient::CancelPending::operator()(DBusPendingCall* pending) const {
 }
 
 TrClient::TrClient(const std::string& busAddress, std::string service)
-    : service_(std::move(service)), connection_(open(busAddress)) {}
+    : service_(std::move(service)) {
+    // Tests have clients in several threads.
+    dbus_threads_init_default();
+    open(busAddress);
+}
 
+void TrClient::open(const std::string& busAddress) {
+    Error error;
+    connection_.reset(dbus_connection_open_private(busAddress.c_str(), error.get()));
+    if (connection_ != nullptr) {
+        dbus_connection_set_exit_on_disconnect(connection_.get(), FALSE);
+        if (dbus_bus_register(connection_.get(), error.get()) != FALSE) {
+            return;
+        }
+        connection_.reset();
+    }
+    connectError_ = error.reply();
+}
+
+bool TrClient::connected() const {
+    return connection_ != nullptr && dbus_connection_get_is_connected(connection_.get()) != FALSE;
+}
+
+TrReply TrClient::unreachable() const {
+    if (!connectError_.errorName.empty()) {
+        return connectError_;
+    }
+    return failed(DBUS_ERROR_DISCONNECTED, "The bus cannot be reached");
+}
+
+// Null when libdbus would abort on a text, or on a header.
 TrClient::Message TrClient::build(const TrCall& call) const {
-    Message message(dbus_message_new_method_call(service_.c_str(), kObjectPath, call.interface,
-                                                 call.member.c_str()));
+    Message message(dbus_message_new_method_call(service_.c_str(), call.path.c_str(),
+                                                 call.interface, call.member.c_str()));
+    if (message == nullptr) {
+        return message;
+    }
     DBusMessageIter position;
     dbus_message_iter_init_append(message.get(), &position);
     for (const std::string& argument : call.arguments) {
-        const char* text = argument.c_str();
-        dbus_message_iter_append_basic(&position, DBUS_TYPE_STRING, &text);
+        if (dbus_validate_utf8(argument.c_str(), nullptr) == FALSE) {
+            return nullptr;
+        }
+        append(position, argument);
+    }
+    if (call.append) {
+        call.append(position);
     }
     return message;
 }
 
-TrReply TrClient::call(const TrCall& call) {
-    if (!connection_) return unreachable();
+TrClient::Message TrClient::transact(DBusMessage* message, TrReply& failure) const {
+    if (!connected()) {
+        failure = unreachable();
+        return nullptr;
+    }
+    if (message == nullptr) {
+        failure = failed(DBUS_ERROR_INVALID_ARGS, "libdbus does not take such a call");
+        return nullptr;
+    }
     Error error;
-    const Message reply(dbus_connection_send_with_reply_and_block(
-        connection_.get(), build(call).get(), kTimeoutMilliseconds, error.get()));
-    return reply ? read(reply.get()) : error.reply();
+    Message reply(dbus_connection_send_with_reply_and_block(
+        connection_.get(), message, static_cast<int>(timeout_.count()), error.get()));
+    if (reply == nullptr) {
+        failure = error.reply();
+    }
+    // Signals pile up on a connection that nobody dispatches.
+    while (const Message signal{dbus_connection_pop_message(connection_.get())}) {
+    }
+    return reply;
+}
+
+TrReply TrClient::call(const TrCall& call) {
+    TrReply failure;
+    const Message reply = transact(build(call).get(), failure);
+    return reply ? read(reply.get()) : failure;
 }
 
 TrClient::Pending TrClient::sendGetValue(const std::string& address) {
+    const Message message = build({kInterface, "get_value", {address}});
+    if (!connected() || message == nullptr) {
+        return nullptr;
+    }
     DBusPendingCall* pending = nullptr;
-    if (!connection_) return nullptr;
-    dbus_connection_send_with_reply(connection_.get(), build({kInterface, "get_value", {address}}).get(),
-                                    &pending, kTimeoutMilliseconds);
+    dbus_connection_send_with_reply(connection_.get(), message.get(), &pending,
+                                    static_cast<int>(timeout_.count()));
     dbus_connection_flush(connection_.get());
     return Pending(pending);
+}
+
+TrClient::Message TrClient::askBus(const char* member) const {
+    const Message message(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
+                                                       DBUS_INTERFACE_DBUS, member));
+    DBusMessageIter position;
+    dbus_message_iter_init_append(message.get(), &position);
+    append(position, service_);
+    TrReply failure;
+    return transact(message.get(), failure);
+}
+
+std::string TrClient::owner() {
+    const Message reply = askBus("GetNameOwner");
+    return reply ? read(reply.get()).text : std::string();
+}
+
+std::uint32_t TrClient::ownerPid() {
+    const Message reply = askBus("GetConnectionUnixProcessID");
+    dbus_uint32_t pid = 0;
+    if (reply) {
+        dbus_message_get_args(reply.get(), nullptr, DBUS_TYPE_UINT32, &pid, DBUS_TYPE_INVALID);
+    }
+    return pid;
 }
 
 TrReply TrClient::own(const char* member, const std::vector<std::string>& arguments) {
@@ -119,18 +194,34 @@ TrReply TrClient::set(const std::string& address, const std::string& value) {
     return own("set", {address, value});
 }
 
-TrReply TrClient::getValue(const std::string& address) { return own("get_value", {address}); }
+TrReply TrClient::getValue(const std::string& address) {
+    return own("get_value", {address});
+}
 
-TrReply TrClient::getWritable(const std::string& address) { return own("getWritable", {address}); }
+TrReply TrClient::getWritable(const std::string& address) {
+    return own("getWritable", {address});
+}
 
 TrReply TrClient::getForcedInform(const std::string& address) {
     return own("getForcedInform", {address});
 }
 
-TrReply TrClient::listAddresses() { return own("listAddresses"); }
+TrReply TrClient::listAddresses() {
+    return own("listAddresses");
+}
 
-TrReply TrClient::listParametersOnly() { return own("listParametersOnly"); }
+TrReply TrClient::listParametersOnly() {
+    return own("listParametersOnly");
+}
 
-TrReply TrClient::updateNotifTable() { return own("updateNotifTable"); }
+TrReply TrClient::updateNotifTable() {
+    return own("updateNotifTable");
+}
 
-TrReply TrClient::checkValueChange() { return own("checkValueChange"); }
+TrReply TrClient::checkValueChange() {
+    return own("checkValueChange");
+}
+
+TrReply TrClient::introspect() {
+    return call({DBUS_INTERFACE_INTROSPECTABLE, "Introspect"});
+}

@@ -2,32 +2,52 @@
 
 #include <dbus/dbus.h>
 
+#include <chrono>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-/// What came back for one call. A refused or lost call has `ok` false and the D-Bus error's name and text.
+/// What came back for one call. A refused or lost call has `ok` false and the D-Bus error's
+/// name and text.
 struct TrReply {
     bool ok = false;
     std::string errorName;
     std::string errorText;
-    std::string text;               ///< the reply's string, if it is one
-    std::vector<std::string> list;  ///< the reply's strings, if it is an array
+    std::string signature;          ///< of the reply's arguments; empty when it has none
+    std::string text;               ///< the reply's first argument, if it is a string
+    std::vector<std::string> list;  ///< the same, if it is an array of strings
 };
 
-/// A call put together by hand: no interface at all when it is null, any number of string arguments.
+/// A call put together by hand: no interface at all when it is null, any number of string
+/// arguments, then whatever `append` adds; any path.
 struct TrCall {
     const char* interface;
     std::string member;
-    std::vector<std::string> arguments;
+    std::vector<std::string> arguments = {};
+    std::function<void(DBusMessageIter&)> append = {};
+    std::string path = "/com/kelm/stb/TR";
 };
 
-/// A client of the daemon on a connection of its own. Blocking; one thread at a time. Failures show in the
-/// reply, an unreachable bus included; nothing throws.
+/// A client of the daemon on a private connection of its own, as the CWMP client is one. Blocking;
+/// one thread at a time. Failures show in the reply, an unreachable bus and an argument that
+/// libdbus would abort on included; nothing throws.
 class TrClient {
   public:
+    static constexpr char kService[] = "com.kelm.stb.TR";
+    static constexpr char kInterface[] = "com.kelm.stb.TR";
+    static constexpr int kTimeoutMilliseconds = 60'000;
+
     /// \p service is the daemon's bus name, well-known or unique.
-    explicit TrClient(const std::string& busAddress, std::string service = "com.kelm.stb.TR");
+    explicit TrClient(const std::string& busAddress, std::string service = kService);
+
+    /// False also when the bus has gone since.
+    bool connected() const;
+    /// Why the constructor did not get a connection.
+    const TrReply& connectError() const { return connectError_; }
+    /// For every call from now on; kTimeoutMilliseconds at first.
+    void setTimeout(std::chrono::milliseconds timeout) { timeout_ = timeout; }
 
     TrReply set(const std::string& address, const std::string& value);
     TrReply getValue(const std::string& address);
@@ -37,6 +57,7 @@ class TrClient {
     TrReply listParametersOnly();
     TrReply updateNotifTable();
     TrReply checkValueChange();
+    TrReply introspect();
     TrReply call(const TrCall& call);
 
     /// A call under way; its reply is dropped with it.
@@ -46,7 +67,10 @@ class TrClient {
     using Pending = std::unique_ptr<DBusPendingCall, CancelPending>;
     Pending sendGetValue(const std::string& address);
 
-    static constexpr int kTimeoutMilliseconds = 60'000;
+    /// The unique name of the service's owner; empty when nobody owns it.
+    std::string owner();
+    /// The process id of the service's owner as the bus sees it; 0 when nobody owns it.
+    std::uint32_t ownerPid();
 
   private:
     struct CloseConnection {
@@ -57,9 +81,15 @@ class TrClient {
     };
     using Message = std::unique_ptr<DBusMessage, DropMessage>;
 
+    void open(const std::string& busAddress);
     Message build(const TrCall& call) const;
+    Message askBus(const char* member) const;
+    Message transact(DBusMessage* message, TrReply& failure) const;
     TrReply own(const char* member, const std::vector<std::string>& arguments = {});
+    TrReply unreachable() const;
 
     std::string service_;
+    std::chrono::milliseconds timeout_{kTimeoutMilliseconds};
+    TrReply connectError_;
     std::unique_ptr<DBusConnection, CloseConnection> connection_;
 };
