@@ -206,6 +206,18 @@ TEST_F(FrontEndDataProviderTest, TcpSocketsAndUnicastSocketsAreNoGroups) {
 }
 
 TEST_F(FrontEndDataProviderTest, AMappedAddressOfAnIpv6SocketCounts) {
+    const int player = socket(AF_INET6, SOCK_DGRAM, 0);
+    sockaddr_in6 address{};
+    address.sin6_family = AF_INET6;
+    address.sin6_port = htons(1234);
+    inet_pton(AF_INET6, "::ffff:239.255.0.9", &address.sin6_addr);
+    ASSERT_EQ(bind(player, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    provider_.updateValues();
+    close(player);
+    EXPECT_EQ(text("ClientGroup.1.GroupAddress"), "239.255.0.9");
+}
+
+TEST_F(FrontEndDataProviderTest, AnIpv6SocketThatNetstatNamesSoCountsToo) {
     can("netstat", "udp6       0      0 ::ffff:239.255.0.9:1234 :::*\n");
     provider_.updateValues();
     EXPECT_EQ(text("ClientGroup.1.GroupAddress"), "239.255.0.9");
