@@ -2,7 +2,10 @@
 
 #include "model/Storage.h"
 #include "providers/DeviceInfoDataProvider.h"
+#include "providers/FrontEndDataProvider.h"
+#include "providers/NetworkDataProvider.h"
 #include "providers/StaticDataProvider.h"
+#include "servicemonitoring/ServiceMonitoring.h"
 
 namespace TR {
 
@@ -42,11 +45,16 @@ void Worker::run() {
 
 void Worker::createProviders() {
     staticProvider_ = std::make_unique<StaticDataProvider>(storage_);
+    networkProvider_ = std::make_unique<NetworkDataProvider>(storage_);
+    serviceMonitoring_ = std::make_unique<ServiceMonitoring>(storage_);
+    frontEndProvider_ = std::make_unique<FrontEndDataProvider>(storage_);
     deviceInfoProvider_ = std::make_unique<DeviceInfoDataProvider>(storage_);
 }
 
 void Worker::initProviders() {
     staticProvider_->updateValues();
+    serviceMonitoring_->init();
+    frontEndProvider_->init();
     deviceInfoProvider_->init();
 }
 
@@ -55,6 +63,9 @@ bool Worker::cycleIsDue() const {
 }
 
 void Worker::runCycle() {
+    networkProvider_->updateValues();
+    serviceMonitoring_->updateValues();
+    frontEndProvider_->updateValues();
     deviceInfoProvider_->updateValues();
     // What is recorded between the copy and the clear is not notified. Only this thread's providers
     // record changes, so nothing is today.

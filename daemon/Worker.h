@@ -8,6 +8,9 @@
 namespace TR {
 
 class DeviceInfoDataProvider;
+class FrontEndDataProvider;
+class NetworkDataProvider;
+class ServiceMonitoring;
 class StaticDataProvider;
 class Storage;
 
@@ -36,7 +39,10 @@ class Worker : public STBThread {
     void runCycle();
 
     Storage* storage_;
+    std::unique_ptr<NetworkDataProvider> networkProvider_;
+    std::unique_ptr<ServiceMonitoring> serviceMonitoring_;
     std::unique_ptr<StaticDataProvider> staticProvider_;
+    std::unique_ptr<FrontEndDataProvider> frontEndProvider_;
     std::unique_ptr<DeviceInfoDataProvider> deviceInfoProvider_;
     NSTime lastUpdate_;  ///< monotonic, the end of the last cycle
 };

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+
+#include "providers/BaseDataProvider.h"
+#include "stb/src/common/NSTime.h"
+
+namespace TR {
+
+/// The IGMP client of the IP front end (TR-135 `Components.FrontEnd.1.IP.IGMP.`): its settings,
+/// read once from the kernel, and the multicast groups that the box has joined, found every refresh
+/// by the sockets bound to them. Commands run without the store mutex, which is held for the whole
+/// of `store()` and for the writing half of `init()`. A command that fails leaves 0 and no groups.
+class FrontEndDataProvider : public BaseDataProvider {
+  public:
+    struct FrontEnd {
+        /// Members that nothing changes are the client's fixed abilities.
+        struct IGMP {
+            /// A joined group; its address text is its identity and its order.
+            struct ClientGroup {
+                std::string groupAddress;
+                NSTime firstSeen;  ///< monotonic
+
+                bool operator<(const ClientGroup& other) const {
+                    return groupAddress < other.groupAddress;
+                }
+            };
+
+            bool enable = true;
+            std::string status = "Enabled";
+            std::uint32_t maximumNumberOfConcurrentGroups = 0;
+            std::uint32_t maximumNumberOfTrackedGroups = 0;
+            bool loggingEnable = false;
+            std::uint32_t dscpMark = 0;
+            std::int32_t vlanIdMark = -1;
+            std::int32_t ethernetPriorityMark = -1;
+            std::uint32_t clientVersion = 0;
+            std::uint32_t clientGroupNumberOfEntries = 0;
+            std::uint32_t clientGroupStatsNumberOfEntries = 0;
+            std::set<ClientGroup> clientGroups;
+
+            /// Makes these the joined groups. One that was joined before keeps its time, a new one
+            /// begins \p now.
+            void setJoinedGroups(const std::set<std::string>& addresses, const NSTime& now);
+        };
+
+        IGMP igmp;
+    };
+
+    using BaseDataProvider::BaseDataProvider;
+
+    /// Reads the kernel's settings and creates what is read once; called once, before the first
+    /// refresh. Without a store nothing is written.
+    void init();
+
+    bool updateValues() override;
+    bool load() override;
+    /// Publishes the groups; false without a store.
+    bool store() override;
+
+  private:
+    // The caller of these holds the store mutex.
+    void publishObjects();
+    void removePublishedGroups();
+    void publishGroups();
+
+    FrontEnd frontEnd_;
+};
+
+}  // namespace TR

@@ -1,0 +1,193 @@
+#include "servicemonitoring/ServiceMonitoring.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "model/Storage.h"
+#include "servicemonitoring/AcsSettings.h"
+#include "servicemonitoring/ServiceMonitoringTree.h"
+#include "stb/src/amlogic/STBAml.h"
+
+namespace TR {
+
+namespace {
+
+namespace Tree = ServiceMonitoringTree;
+
+constexpr char kDiscontinuityCounter[] = "/sys/class/tsdemux/discontinue_counter";
+
+constexpr std::uint32_t kSamplingDisabled = 0;
+constexpr std::uint32_t kSamplingEnabled = 1;
+
+constexpr std::uint32_t kLongestRefusedIntervalSeconds = 9;
+constexpr std::uint32_t kMostReportSamplesToSwitch = 100;
+// Far beyond any use, and still only a few megabytes in the store. A number that nobody can mean
+// must not take the box's memory.
+constexpr std::uint32_t kMostSamplesKept = 10000;
+
+}  // namespace
+
+void ServiceMonitoring::init() {
+    timeReference_ = Utils::getBeginningTimeval(NSTime::now(), Utils::TimeUnit::Day);
+    if (storage() == nullptr) return;
+    const std::pair<const char*, Value> parameters[] = {
+        {Tree::kSampleEnable, Tree::writable(Value(sampleEnable_))},
+        {Tree::kSampleState, Tree::sampleStateText(sampleState_)},
+        {Tree::kSampleInterval, Tree::writable(Value(sampleInterval_))},
+        {Tree::kReportSamples, Value(reportSamples_)},
+        {Tree::kFetchSamples, Value(fetchSamples_)},
+        {Tree::kTimeReference, Tree::timeText(timeReference_)},
+        {Tree::kForceSample, Value(forceSample_)},
+        {Tree::kMainStreamCount, Value(static_cast<long long>(mainStreams_.size()))},
+    };
+    const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
+    for (const auto& [name, value] : parameters) storage()->set(Tree::address(name), value);
+}
+
+bool ServiceMonitoring::updateValues() {
+    if (storage() == nullptr) return false;
+    takeSettings(AcsSettings::copiedFrom(*storage()));
+    return load() && store();
+}
+
+bool ServiceMonitoring::load() {
+    MainStream& stream = mainStreams_.front();
+    if (!stream.isEnabled()) return true;
+    const auto reading = STBAml::getSys<int>(kDiscontinuityCounter);
+    if (reading) stream.countDiscontinuities(*reading);
+    return true;
+}
+
+bool ServiceMonitoring::store() {
+    if (storage() == nullptr) return false;
+    const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
+    Tree::publishObjects(*storage());
+    storage()->set(Tree::address(Tree::kSampleState), Tree::sampleStateText(sampleState_));
+    publishMainStreamEnable();
+    publishTotalReset();
+    Tree::publishFigures(*storage(), mainStreams_.front());
+    storage()->set(Tree::address(Tree::kReportStartTime), Tree::timeText(reportStartTime_));
+    storage()->set(Tree::address(Tree::kReportEndTime), Tree::timeText(reportEndTime_));
+    return true;
+}
+
+void ServiceMonitoring::publishMainStreamEnable() {
+    Value& stored = (*storage())[Tree::address(Tree::kMainStreamEnable)];
+    if (stored != knownMainStreamEnable_) {
+        // Written since this cycle took the settings: the next cycle takes it.
+        stored.setMutableByUser(true);
+        return;
+    }
+    knownMainStreamEnable_ = Tree::writable(Value(mainStreams_.front().isEnabled()));
+    storage()->set(Tree::address(Tree::kMainStreamEnable), knownMainStreamEnable_);
+}
+
+void ServiceMonitoring::publishTotalReset() {
+    Value& stored = (*storage())[Tree::address(Tree::kTotalReset)];
+    if (AcsSettings::number(stored).value_or(0) != 0) {
+        // Asked for since this cycle took the settings: the next cycle does it.
+        stored.setMutableByUser(true);
+        return;
+    }
+    storage()->set(Tree::address(Tree::kTotalReset),
+                   Tree::writable(Value(mainStreams_.front().totalReset())));
+}
+
+void ServiceMonitoring::takeSettings(const AcsSettings& settings) {
+    const auto number = AcsSettings::number;
+    if (const auto count = number(settings.reportSamples)) takeReportSamples(*count);
+    // Before the interval: of both written at once the interval counts from this cycle on, the
+    // switch from the next.
+    if (const auto enable = number(settings.sampleEnable)) setSampleEnable(*enable != 0);
+    if (const auto seconds = number(settings.sampleInterval)) takeSampleInterval(*seconds);
+    if (settings.timeReference.getType() == Value::Type::String) timeReference_ = NSTime::now();
+    if (number(settings.totalReset).value_or(0) != 0) takeTotalReset();
+    if (const auto enable = number(settings.mainStreamEnable)) setMainStreamEnable(*enable != 0, 1);
+    knownMainStreamEnable_ = settings.mainStreamEnable;
+}
+
+void ServiceMonitoring::takeReportSamples(std::int64_t count) {
+    reportSamples_ = static_cast<std::uint32_t>(
+        std::clamp<std::int64_t>(count, 0, std::int64_t{kMostSamplesKept}));
+    mainStreams_.front().resizeSamples(reportSamples_);
+}
+
+void ServiceMonitoring::takeSampleInterval(std::int64_t seconds) {
+    // Cut to 32 bits, a number out of range could pass for a good interval.
+    if (seconds < 0 || seconds > std::numeric_limits<std::uint32_t>::max()) return;
+    setSampleInterval(static_cast<std::uint32_t>(seconds));
+}
+
+// One lock round both halves: whoever asks before it is served by this reset, whoever asks after it
+// finds the trigger released.
+void ServiceMonitoring::takeTotalReset() {
+    const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
+    mainStreamTotalReset(1);
+    storage()->set(Tree::address(Tree::kTotalReset),
+                   Tree::writable(Value(mainStreams_.front().totalReset())));
+}
+
+void ServiceMonitoring::setSampleEnable(bool enable) {
+    if (enable == sampleEnable_ || sampleInterval_ <= kLongestRefusedIntervalSeconds) return;
+    switchSampling(enable);
+}
+
+// Switching off leaves the samples and the report times to be read.
+void ServiceMonitoring::switchSampling(bool enable) {
+    if (reportSamples_ < 1 || reportSamples_ > kMostReportSamplesToSwitch) return;
+    sampleEnable_ = enable;
+    sampleState_ = enable ? kSamplingEnabled : kSamplingDisabled;
+    if (enable) restartReport(Utils::TimeUnit::Minute);
+}
+
+void ServiceMonitoring::setSampleInterval(std::uint32_t seconds) {
+    if (seconds == sampleInterval_ || seconds <= kLongestRefusedIntervalSeconds) return;
+    sampleInterval_ = seconds;
+    restartReport(Utils::TimeUnit::Hour);
+}
+
+void ServiceMonitoring::restartReport(Utils::TimeUnit unit) {
+    mainStreams_.front().restartSamples(reportSamples_);
+    reportStartTime_ = Utils::getBeginningTimeval(NSTime::now(), unit);
+    reportEndTime_ = reportStartTime_;
+}
+
+void ServiceMonitoring::setReportSamples(std::uint32_t count) {
+    if (count <= reportSamples_) return;
+    mainStreams_.front().resizeSamples(std::min(count, kMostSamplesKept));
+}
+
+void ServiceMonitoring::setMainStreamEnable(bool enable, unsigned index) {
+    if (MainStream* const found = stream(index)) found->setEnable(enable);
+}
+
+void ServiceMonitoring::setMainStreamServiceType(const std::string& serviceType, unsigned index) {
+    if (MainStream* const found = stream(index)) found->setServiceType(serviceType);
+}
+
+void ServiceMonitoring::setMainStreamGmin(std::uint32_t gmin, unsigned index) {
+    if (MainStream* const found = stream(index)) found->setGmin(gmin);
+}
+
+void ServiceMonitoring::setMainStreamSevereLossMinDistance(std::uint32_t distance, unsigned index) {
+    if (MainStream* const found = stream(index)) found->setSevereLossMinDistance(distance);
+}
+
+void ServiceMonitoring::setMainStreamSevereLossMinLength(std::uint32_t length, unsigned index) {
+    if (MainStream* const found = stream(index)) found->setSevereLossMinLength(length);
+}
+
+void ServiceMonitoring::mainStreamTotalReset(unsigned index) {
+    if (MainStream* const found = stream(index)) found->resetTotals();
+}
+
+const ServiceMonitoring::MainStream* ServiceMonitoring::mainStream(unsigned index) const {
+    return index >= 1 && index <= mainStreams_.size() ? &mainStreams_[index - 1] : nullptr;
+}
+
+ServiceMonitoring::MainStream* ServiceMonitoring::stream(unsigned index) {
+    return const_cast<MainStream*>(mainStream(index));
+}
+
+}  // namespace TR

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "model/Value.h"
+#include "providers/BaseDataProvider.h"
+#include "servicemonitoring/STBServiceMonitoringModel.h"
+#include "stb/src/common/NSTime.h"
+#include "stb/src/common/Utils.h"
+
+namespace TR {
+
+struct AcsSettings;
+
+/// TR-135 `ServiceMonitoring.`: the sampling settings, which the ACS writes into the store and
+/// every cycle takes from there, and the figures of the one main stream. The worker thread alone
+/// calls; the D-Bus thread's writes are met in the store only, whose mutex is held for the whole of
+/// `init()` and `store()` and never while the counter is read. A write of the ACS that lands in the
+/// middle of a cycle is left for the next one.
+class ServiceMonitoring : public BaseDataProvider {
+  public:
+    using MainStream = STBServiceMonitoringModel::MainStream;
+
+    using BaseDataProvider::BaseDataProvider;
+
+    /// Creates the settings; called once, before the first cycle. Without a store nothing is
+    /// written.
+    void init();
+
+    /// Takes the ACS's settings, then samples and publishes. False without a store.
+    bool updateValues() override;
+    /// Samples the discontinuity counter while main stream 1 is enabled.
+    bool load() override;
+    /// Publishes the main stream and the report times; false without a store.
+    bool store() override;
+
+    /// Refused, without a word, until the interval is long enough.
+    void setSampleEnable(bool enable);
+    /// Too short an interval is refused, without a word.
+    void setSampleInterval(std::uint32_t seconds);
+    /// Grows or cuts the samples until the next cycle brings the setting again; acts only on more
+    /// samples than the setting says.
+    void setReportSamples(std::uint32_t count);
+    // Part of the interface of a monitored service. On this box nothing follows from them.
+    void setFetchSamples(std::uint32_t /*count*/) {}
+    void setTimeReference(const NSTime& /*time*/) {}
+    void forceSample() {}
+
+    // Streams are counted from 1; any other index is ignored.
+    void setMainStreamEnable(bool enable, unsigned index);
+    void setMainStreamServiceType(const std::string& serviceType, unsigned index);
+    void setMainStreamGmin(std::uint32_t gmin, unsigned index);
+    void setMainStreamSevereLossMinDistance(std::uint32_t distance, unsigned index);
+    void setMainStreamSevereLossMinLength(std::uint32_t length, unsigned index);
+    void mainStreamTotalReset(unsigned index);
+
+    /// Null for an index without a stream; borrowed.
+    const MainStream* mainStream(unsigned index) const;
+
+  private:
+    MainStream* stream(unsigned index);
+
+    void takeSettings(const AcsSettings& settings);
+    void takeReportSamples(std::int64_t count);
+    void takeSampleInterval(std::int64_t seconds);
+    void takeTotalReset();
+
+    void switchSampling(bool enable);
+    void restartReport(Utils::TimeUnit unit);
+
+    // The caller of these two holds the store mutex.
+    void publishMainStreamEnable();
+    void publishTotalReset();
+
+    bool sampleEnable_ = false;
+    std::uint32_t sampleState_ = 0;
+    std::uint32_t sampleInterval_ = 0;  ///< seconds
+    std::uint32_t reportSamples_ = 10;
+    std::uint32_t fetchSamples_ = 0;
+    NSTime timeReference_;
+    bool forceSample_ = false;
+    NSTime reportStartTime_;
+    NSTime reportEndTime_;
+    std::vector<MainStream> mainStreams_ = std::vector<MainStream>(1);
+    /// What this object last read or wrote there; anything else in the store is a newer write.
+    Value knownMainStreamEnable_;
+};
+
+}  // namespace TR

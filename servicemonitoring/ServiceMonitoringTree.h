@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/Address.h"
+#include "model/Value.h"
+#include "servicemonitoring/STBServiceMonitoringModel.h"
+#include "stb/src/common/NSTime.h"
+
+namespace TR {
+
+class Storage;
+
+/// How service monitoring looks in the tree: names, texts and the figures of the main stream. Who
+/// publishes holds the store mutex.
+namespace ServiceMonitoringTree {
+
+constexpr char kSampleEnable[] = "SampleEnable";
+constexpr char kSampleState[] = "SampleState";
+constexpr char kSampleInterval[] = "SampleInterval";
+constexpr char kReportSamples[] = "ReportSamples";
+constexpr char kFetchSamples[] = "FetchSamples";
+constexpr char kTimeReference[] = "TimeReference";
+constexpr char kForceSample[] = "ForceSample";
+constexpr char kMainStreamCount[] = "MainStreamNumberOfEntries";
+constexpr char kMainStreamEnable[] = "MainStream.1.Enable";
+constexpr char kTotalReset[] = "MainStream.1.Total.Reset";
+constexpr char kReportStartTime[] = "ReportStartTime";
+constexpr char kReportEndTime[] = "ReportEndTime";
+
+/// The full path of a name below `Device.Services.STBService.1.ServiceMonitoring.`.
+Address address(const std::string& name);
+
+/// The value as the ACS may write it. Set with the value in one go: a parameter that loses the
+/// setting for a moment would swallow a write of the ACS.
+Value writable(Value value);
+
+/// "Disabled", "Enabled", "Trigger"; empty for any other state.
+Value sampleStateText(std::uint32_t state);
+/// Local calendar time with the name of its zone.
+Value timeText(const NSTime& time);
+
+/// The object nodes above the main stream, and the service's own.
+void publishObjects(Storage& storage);
+/// The main stream's status, totals and sample lists; all that the ACS does not write.
+void publishFigures(Storage& storage, const STBServiceMonitoringModel::MainStream& stream);
+
+}  // namespace ServiceMonitoringTree
+
+}  // namespace TR

@@ -1,0 +1,79 @@
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "providers/FrontEndDataProvider.h"
+
+namespace {
+
+using IGMP = TR::FrontEndDataProvider::FrontEnd::IGMP;
+
+std::vector<std::string> addresses(const IGMP& igmp) {
+    std::vector<std::string> texts;
+    for (const auto& group : igmp.clientGroups) texts.push_back(group.groupAddress);
+    return texts;
+}
+
+long long firstSeen(const IGMP& igmp, const std::string& address) {
+    const auto group = igmp.clientGroups.find({address, 0});
+    return group == igmp.clientGroups.end() ? -1 : group->firstSeen.toInt64();
+}
+
+TEST(ClientGroupsTest, ANewRecordHasTheDefaults) {
+    const IGMP igmp;
+    EXPECT_TRUE(igmp.enable);
+    EXPECT_EQ(igmp.status, "Enabled");
+    EXPECT_EQ(igmp.maximumNumberOfConcurrentGroups, 0u);
+    EXPECT_EQ(igmp.maximumNumberOfTrackedGroups, 0u);
+    EXPECT_FALSE(igmp.loggingEnable);
+    EXPECT_EQ(igmp.dscpMark, 0u);
+    EXPECT_EQ(igmp.vlanIdMark, -1);
+    EXPECT_EQ(igmp.ethernetPriorityMark, -1);
+    EXPECT_EQ(igmp.clientVersion, 0u);
+    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 0u);
+    EXPECT_EQ(igmp.clientGroupStatsNumberOfEntries, 0u);
+    EXPECT_TRUE(igmp.clientGroups.empty());
+}
+
+TEST(ClientGroupsTest, TheOrderIsThatOfTheTexts) {
+    IGMP igmp;
+    igmp.setJoinedGroups({"239.0.0.2", "239.0.0.10", "224.0.0.251"}, 1);
+    EXPECT_EQ(addresses(igmp),
+              (std::vector<std::string>{"224.0.0.251", "239.0.0.10", "239.0.0.2"}));
+    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 3u);
+}
+
+TEST(ClientGroupsTest, AGroupThatStaysKeepsItsTime) {
+    IGMP igmp;
+    igmp.setJoinedGroups({"239.0.0.1"}, 100);
+    igmp.setJoinedGroups({"239.0.0.1", "239.0.0.2"}, 200);
+    EXPECT_EQ(firstSeen(igmp, "239.0.0.1"), 100);
+    EXPECT_EQ(firstSeen(igmp, "239.0.0.2"), 200);
+}
+
+TEST(ClientGroupsTest, AGroupThatIsNoLongerThereIsDropped) {
+    IGMP igmp;
+    igmp.setJoinedGroups({"239.0.0.1", "239.0.0.2", "239.0.0.3"}, 100);
+    igmp.setJoinedGroups({"239.0.0.2"}, 200);
+    EXPECT_EQ(addresses(igmp), std::vector<std::string>{"239.0.0.2"});
+    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 1u);
+    igmp.setJoinedGroups({}, 300);
+    EXPECT_TRUE(igmp.clientGroups.empty());
+    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 0u);
+}
+
+TEST(ClientGroupsTest, AGroupThatIsAwayForOnePassBeginsAnew) {
+    IGMP igmp;
+    igmp.setJoinedGroups({"239.0.0.1"}, 100);
+    igmp.setJoinedGroups({}, 200);
+    igmp.setJoinedGroups({"239.0.0.1"}, 300);
+    EXPECT_EQ(firstSeen(igmp, "239.0.0.1"), 300);
+}
+
+TEST(FrontEndWithoutAStoreTest, NothingIsPublished) {
+    EXPECT_FALSE(TR::FrontEndDataProvider(nullptr).store());
+}
+
+}  // namespace
