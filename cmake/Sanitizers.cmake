@@ -2,6 +2,8 @@
 set(KELM_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as -fsanitize= takes them")
 
 if(KELM_SANITIZE)
-  add_compile_options(-fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  # GCC warns of uninitialised members in instrumented standard headers that it passes without.
+  add_compile_options(-fsanitize=${KELM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+                      -Wno-maybe-uninitialized)
   add_link_options(-fsanitize=${KELM_SANITIZE})
 endif()
