@@ -1,14 +1,14 @@
 #include "providers/DeviceInfoDataProvider.h"
 
-#include <ifaddrs.h>
-#include <netpacket/packet.h>
 #include <sys/socket.h>
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "model/Storage.h"
+#include "providers/InterfaceList.h"
 #include "stb/src/common/Format.h"
 #include "stb/src/common/Trim.h"
 #include "stb/src/common/Utils.h"
@@ -26,16 +26,13 @@ struct Free {
     void operator()(char* buffer) const { std::free(buffer); }
 };
 
-// The link-layer entry of an interface list; the kernel's own statistics hang on its data pointer.
-bool isLinkEntry(const ifaddrs& entry, const char* name) {
-    return std::strcmp(entry.ifa_name, name) == 0 && entry.ifa_addr != nullptr &&
-           entry.ifa_addr->sa_family == AF_PACKET && entry.ifa_data != nullptr;
+// The kernel's statistics hang on the data pointer of a real link-layer entry.
+bool isIdentityLink(const ifaddrs& entry) {
+    return std::strcmp(entry.ifa_name, kIdentityInterface) == 0 &&
+           InterfaceList::isOfFamily(entry, AF_PACKET) && entry.ifa_data != nullptr;
 }
 
-std::string hardwareAddress(const ifaddrs& entry) {
-    sockaddr_ll link;
-    std::memcpy(&link, entry.ifa_addr, sizeof link);
-    const unsigned char* byte = link.sll_addr;
+std::string serialText(const std::array<unsigned char, 6>& byte) {
     return Utils::toUpperString(Utils::format("%02x%02x%02x%02x%02x%02x", byte[0], byte[1], byte[2],
                                               byte[3], byte[4], byte[5]));
 }
@@ -145,12 +142,11 @@ std::string DeviceInfoDataProvider::temperatureName() const {
 }
 
 std::string DeviceInfoDataProvider::macAddress() const {
-    ifaddrs* list = nullptr;
-    if (getifaddrs(&list) != 0) return {};
-    const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(list, freeifaddrs);
+    const auto list = InterfaceList::read();
+    if (!list) return {};
     std::string address;
-    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
-        if (isLinkEntry(*entry, kIdentityInterface)) address = hardwareAddress(*entry);
+    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next) {
+        if (isIdentityLink(*entry)) address = serialText(InterfaceList::hardwareAddress(*entry));
     }
     return address;
 }

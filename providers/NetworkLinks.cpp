@@ -1,6 +1,5 @@
 #include "providers/NetworkLinks.h"
 
-#include <ifaddrs.h>
 #include <linux/if_link.h>
 #include <netdb.h>
 #include <netinet/in.h>
@@ -10,8 +9,8 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <memory>
 
+#include "providers/InterfaceList.h"
 #include "stb/src/common/Format.h"
 
 namespace TR {
@@ -21,10 +20,6 @@ namespace {
 // Older kernels give fewer members than the header names; what is behind them is not ours to read.
 constexpr std::size_t kCounterBytes =
     offsetof(rtnl_link_stats, multicast) + sizeof(rtnl_link_stats::multicast);
-
-bool isOfFamily(const ifaddrs& entry, int family) {
-    return entry.ifa_addr != nullptr && entry.ifa_addr->sa_family == family;
-}
 
 NetworkCounters::Reading readCounters(const void* data) {
     rtnl_link_stats stats{};
@@ -45,7 +40,7 @@ NetworkCounters::Reading readCounters(const void* data) {
 NetworkLink linkOf(const ifaddrs& entry) {
     sockaddr_ll address{};
     std::memcpy(&address, entry.ifa_addr, sizeof address);
-    const unsigned char* byte = address.sll_addr;
+    const auto byte = InterfaceList::hardwareAddress(entry);
     NetworkLink link;
     link.index = static_cast<unsigned>(address.sll_ifindex);
     link.flags = entry.ifa_flags;
@@ -75,15 +70,15 @@ void addAddress(const ifaddrs& entry, NetworkLinks& links) {
 }  // namespace
 
 std::optional<NetworkLinks> readNetworkLinks() {
-    ifaddrs* list = nullptr;
-    if (getifaddrs(&list) != 0) return std::nullopt;
-    const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(list, freeifaddrs);
+    const auto list = InterfaceList::read();
+    if (!list) return std::nullopt;
     NetworkLinks links;
-    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
-        if (isOfFamily(*entry, AF_PACKET)) links.emplace(entry->ifa_name, linkOf(*entry));
+    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next) {
+        if (InterfaceList::isOfFamily(*entry, AF_PACKET))
+            links.emplace(entry->ifa_name, linkOf(*entry));
     }
-    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
-        if (isOfFamily(*entry, AF_INET)) addAddress(*entry, links);
+    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next) {
+        if (InterfaceList::isOfFamily(*entry, AF_INET)) addAddress(*entry, links);
     }
     return links;
 }

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "box/client/TrClient.h"
 #include "tests/support/Box.h"
@@ -20,7 +21,7 @@ class DaemonTest : public ::testing::Test {
     void start(const std::string& limits = "");
     void connect();
     void waitForFirstCycle();
-    /// Waits until that many cycles more have ended; told by the calls of ps, two a cycle.
+    /// Waits until that many cycles have begun and ended from here on; told by the calls of ps, two a cycle.
     void waitForCycles(std::size_t count);
 
     Child& daemon() { return *daemon_; }
@@ -28,6 +29,11 @@ class DaemonTest : public ::testing::Test {
     TrClient& client() { return *client_; }
     std::string value(const std::string& address) { return client().getValue(address).text; }
     bool logHas(const std::string& text) const;
+
+    /// Makes the CWMP client's file list these parameters and has the daemon read it.
+    void watch(const std::vector<std::string>& parameters);
+    /// The line that tells the client of a watched parameter's new value.
+    static std::string change(const std::string& parameter, const std::string& value);
 
     /// The daemon has stopped in order, with this status.
     void expectEnd(const ExitStatus& status);
