@@ -46,6 +46,11 @@ class WholeTreeTest : public DaemonTest {
         return box::readFile(output);
     }
     static std::string golden() { return box::readFile(KELM_GOLDEN_TREE); }
+
+    static void expectTree(const std::string& expected) {
+        const std::string differences = TreeListing::differences(expected, listing());
+        EXPECT_TRUE(differences.empty()) << differences;
+    }
 };
 
 /// The golden listing where nobody has joined a group.
@@ -63,19 +68,19 @@ std::string withoutGroups(const std::string& golden) {
 TEST_F(WholeTreeTest, EveryAddressIsAsTheGoldenListingHasIt) {
     const Player player;
     start();
-    EXPECT_EQ(TreeListing::differences(golden(), listing()), "");
+    expectTree(golden());
 }
 
 TEST_F(WholeTreeTest, ALaterCycleMovesLiveValuesOnly) {
     const Player player;
     start();
     waitForCycles(1);
-    EXPECT_EQ(TreeListing::differences(golden(), listing()), "");
+    expectTree(golden());
 }
 
 TEST_F(WholeTreeTest, WithoutAGroupItsRowIsNotThere) {
     start();
-    EXPECT_EQ(TreeListing::differences(withoutGroups(golden()), listing()), "");
+    expectTree(withoutGroups(golden()));
 }
 
 constexpr char kExpected[] =
