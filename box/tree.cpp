@@ -9,6 +9,7 @@
 #include <ctime>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -25,12 +26,14 @@ constexpr char kLastOfTheCycle[] = "Device.DeviceInfo.DeviceLog";
 constexpr milliseconds kLook{100};
 
 constexpr char kUsage[] =
-    "Usage: trd-tree [OPTION]... wait|dump|count|extract|watch\n"
+    "Usage: trd-tree [OPTION]... wait|dump|list|count|extract|watch\n"
     "\n"
     "Looks at the parameter tree of a running daemon.\n"
     "\n"
     "  wait      return when the first update cycle is over\n"
     "  dump      print every parameter, one a line: address and value\n"
+    "  list      print every address, objects too, one a line: address, writable or -, inform (in\n"
+    "            every Inform) or -, object or parameter, and the value unless it is empty\n"
     "  count     print how many parameters there are\n"
     "  extract   print the more interesting parameters, in groups\n"
     "  watch     print each change as it happens, until SIGINT\n"
@@ -145,6 +148,41 @@ int dump(TrClient& client, const Options&) {
     }
     for (const Parameter& parameter : *tree) {
         std::printf("%s %s\n", parameter.address.c_str(), oneLine(parameter.value).c_str());
+    }
+    return 0;
+}
+
+// What the daemon says of one address; nothing when it stopped answering, `failure` has the reason.
+std::optional<std::string> listLine(TrClient& client, const std::string& address, bool isParameter,
+                                    TrReply& failure) {
+    const TrReply writable = client.getWritable(address);
+    const TrReply inform = client.getForcedInform(address);
+    const TrReply value = client.getValue(address);
+    for (const TrReply* reply : {&writable, &inform, &value}) {
+        if (!reply->ok) {
+            failure = *reply;
+            return std::nullopt;
+        }
+    }
+    return address + (writable.text == "1" ? " writable" : " -") +
+           (inform.text == "1" ? " inform" : " -") + (isParameter ? " parameter" : " object") +
+           (value.text.empty() ? "" : " " + oneLine(value.text));
+}
+
+int list(TrClient& client, const Options&) {
+    const TrReply addresses = client.listAddresses();
+    const TrReply parameters = client.listParametersOnly();
+    if (!addresses.ok || !parameters.ok) {
+        return complain(addresses.ok ? parameters : addresses);
+    }
+    const std::set<std::string> isParameter(parameters.list.begin(), parameters.list.end());
+    for (const std::string& address : addresses.list) {
+        TrReply failure;
+        const auto line = listLine(client, address, isParameter.count(address) != 0, failure);
+        if (!line) {
+            return complain(failure);
+        }
+        std::printf("%s\n", line->c_str());
     }
     return 0;
 }
@@ -295,11 +333,8 @@ struct Action {
     int (*run)(TrClient&, const Options&);
 };
 
-constexpr Action kActions[] = {{"wait", waitForCycle},
-                               {"dump", dump},
-                               {"count", count},
-                               {"extract", extract},
-                               {"watch", watch}};
+constexpr Action kActions[] = {{"wait", waitForCycle}, {"dump", dump},       {"list", list},
+                               {"count", count},       {"extract", extract}, {"watch", watch}};
 
 const Action* findAction(const std::string& name) {
     for (const Action& action : kActions) {
