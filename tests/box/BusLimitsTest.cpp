@@ -26,7 +26,9 @@ TEST_F(SmallBusTest, ATreeThatThisBusCannotListIsAnErrorForThatCallAlone) {
     ASSERT_TRUE(box::waitUntil([this] {
         return client().listAddresses().errorName == "org.freedesktop.DBus.Error.LimitsExceeded";
     }));
-    expectAnswers();
+    // The list is too long before the tree is complete.
+    EXPECT_TRUE(
+        box::waitUntil([this] { return value("Device.DeviceInfo.Manufacturer") == "KELM"; }));
 }
 
 }  // namespace
