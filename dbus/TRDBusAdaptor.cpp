@@ -129,18 +129,22 @@ std::string TRDBusAdaptor::checkValueChange() {
     });
 }
 
+// Repairing only makes a text longer: what is too large already need not be repaired first.
 std::string TRDBusAdaptor::carried(std::string text) const {
+    checkSize(TR::BusLimits::replyBytes(text));
     text = TR::toValidUtf8(std::move(text));
-    if (TR::BusLimits::replyBytes(text) > largestMessage_)
-        throw DBus::Error(kLimitsExceeded, kTooLarge);
+    checkSize(TR::BusLimits::replyBytes(text));
     return text;
 }
 
 std::vector<std::string> TRDBusAdaptor::carried(std::vector<std::string> list) const {
     for (std::string& text : list) text = TR::toValidUtf8(std::move(text));
     const std::uint64_t bytes = TR::BusLimits::replyBytes(list);
-    if (bytes > largestMessage_ || bytes > TR::BusLimits::kProtocolArrayBytes) {
-        throw DBus::Error(kLimitsExceeded, kTooLarge);
-    }
+    checkSize(bytes);
+    if (bytes > TR::BusLimits::kProtocolArrayBytes) throw DBus::Error(kLimitsExceeded, kTooLarge);
     return list;
+}
+
+void TRDBusAdaptor::checkSize(std::uint64_t bytes) const {
+    if (bytes > largestMessage_) throw DBus::Error(kLimitsExceeded, kTooLarge);
 }

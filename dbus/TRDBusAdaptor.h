@@ -46,6 +46,8 @@ class TRDBusAdaptor : public com::kelm::stb::TR_adaptor,
     std::string carried(std::string text) const;
     std::vector<std::string> carried(std::vector<std::string> list) const;
 
+    void checkSize(std::uint64_t bytes) const;
+
     TR::Storage* storage_;
     std::uint64_t largestMessage_;
 };
