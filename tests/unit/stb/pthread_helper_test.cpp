@@ -47,7 +47,8 @@ void abandon(pthread_mutex_t* native) {
     pthread_mutex_init(native, &attributes);
     pthread_mutexattr_destroy(&attributes);
     std::thread([native] { pthread_mutex_lock(native); }).join();
-    // The kernel has left this mark; an emulator that knows no robust mutexes (set_robust_list) has not.
+    // The kernel has left this mark; an emulator that knows no robust mutexes (set_robust_list) has
+    // not.
     native->__data.__lock = FUTEX_OWNER_DIED;
 }
 
