@@ -1,6 +1,7 @@
 # kelm_gtest(NAME name SOURCES files... LIBS libraries... [BOX]): one GoogleTest program, each case its own
 # CTest test. With BOX every case is started in a virtual box of its own (box/box), so that it may touch the
-# daemon's fixed paths; a host that cannot make one reports those cases as skipped, with the reason.
+# daemon's fixed paths; a host that cannot make one reports those cases as skipped, with the reason. A
+# cross-compiled program is started through the toolchain's emulator, in the box as well.
 include(GoogleTest)
 find_package(GTest REQUIRED)
 
@@ -13,8 +14,29 @@ function(kelm_gtest)
   set(labels pure)
   if(T_BOX)
     set(labels box)
-    set_target_properties(${T_NAME} PROPERTIES CROSSCOMPILING_EMULATOR
-                                               "${PROJECT_SOURCE_DIR}/box/test-in-box")
+    set(launcher "${PROJECT_SOURCE_DIR}/box/test-in-box")
+    if(CMAKE_CROSSCOMPILING_EMULATOR)
+      list(APPEND launcher ${CMAKE_CROSSCOMPILING_EMULATOR} --)
+    endif()
+    set_target_properties(${T_NAME} PROPERTIES CROSSCOMPILING_EMULATOR "${launcher}")
   endif()
   gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 300)
+endfunction()
+
+# kelm_program_folder(VARIABLE programs...): the folder from which tests start these programs by name. Of a
+# cross-compiled build it holds scripts that run them through the toolchain's emulator.
+function(kelm_program_folder variable)
+  set(folder ${CMAKE_BINARY_DIR})
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    string(APPEND folder /emulated)
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "' '" emulator)
+    foreach(program IN LISTS ARGN)
+      file(
+        GENERATE
+        OUTPUT ${folder}/${program}
+        CONTENT "#!/bin/sh\nexec '${emulator}' '$<TARGET_FILE:${program}>' \"$@\"\n"
+        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+    endforeach()
+  endif()
+  set(${variable} ${folder} PARENT_SCOPE)
 endfunction()

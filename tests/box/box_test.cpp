@@ -262,6 +262,12 @@ TEST_F(BoxFaultTest, PipesAndCommandsEndApart) {
     EXPECT_LT(spent("background 2", "ubus >/dev/null; spent"), 95);
 }
 
+TEST_F(BoxTest, AForeignTestProgramRunsThroughItsEmulator) {
+    EXPECT_EQ(run({KELM_BOX_FOLDER "/test-in-box", "echo", "emulator", "--", "/bin/program", "-a"})
+                  .output,
+              "emulator /bin/program -a\n");
+}
+
 TEST_P(BoxEndTest, LeavesNothingBehind) {
     Child box(endlessBox(), folder() + "/output");
     ASSERT_TRUE(box::waitUntil([this] { return processesWith(marker()) >= 4; }));
@@ -339,6 +345,13 @@ TEST_F(BoxRefusalTest, ListingTestsNeedsNoBox) {
     const auto result =
         run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "--gtest_list_tests"}, pathWith(""));
     EXPECT_EQ(result.output, "--gtest_list_tests\n");
+}
+
+TEST_F(BoxRefusalTest, AnEmulatorListsAForeignProgramsTests) {
+    const auto result = run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "emulator", "--",
+                             "/bin/program", "--gtest_list_tests"},
+                            pathWith(""));
+    EXPECT_EQ(result.output, "emulator /bin/program --gtest_list_tests\n");
 }
 
 TEST_F(BoxRefusalTest, AWrongCallIsNoRefusal) {

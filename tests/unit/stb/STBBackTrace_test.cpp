@@ -18,6 +18,17 @@ extern "C" __attribute__((noinline)) void functionKnownToTheLinker(FILE* stream)
     std::fputc('.', stream);
 }
 
+// A compiler may leave such a function out of the unwinder's tables, and then the trace ends there.
+extern "C" __attribute__((noinline)) void functionThatCannotThrow(FILE* stream) noexcept {
+    functionKnownToTheLinker(stream);
+    std::fputc('.', stream);
+}
+
+extern "C" __attribute__((noinline)) void callerOfOneThatCannotThrow(FILE* stream) {
+    functionThatCannotThrow(stream);
+    std::fputc('.', stream);
+}
+
 namespace {
 
 std::string written(const std::function<void(FILE*)>& body) {
@@ -87,4 +98,10 @@ TEST(STBBackTraceTest, EachFrameIsOneLineWithAnEvenAddress) {
     const NSRegExp frames("^(0x[0-9a-f]*[02468ace] [^\n]*\n|Unknown address\n)+\\.$");
     EXPECT_TRUE(frames.match(trace)) << trace;
     EXPECT_NE(trace.find(" functionKnownToTheLinker (+0x"), std::string::npos) << trace;
+}
+
+TEST(STBBackTraceTest, TheTraceReachesTheCallersOfFunctionsThatCannotThrow) {
+    const std::string trace = written(&callerOfOneThatCannotThrow);
+    EXPECT_NE(trace.find(" functionThatCannotThrow (+0x"), std::string::npos) << trace;
+    EXPECT_NE(trace.find(" callerOfOneThatCannotThrow (+0x"), std::string::npos) << trace;
 }

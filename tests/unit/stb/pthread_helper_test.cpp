@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 
+#include <linux/futex.h>
 #include <pthread.h>
 
 namespace {
@@ -46,6 +47,9 @@ void abandon(pthread_mutex_t* native) {
     pthread_mutex_init(native, &attributes);
     pthread_mutexattr_destroy(&attributes);
     std::thread([native] { pthread_mutex_lock(native); }).join();
+    // The kernel has left this mark; an emulator that knows no robust mutexes (set_robust_list) has
+    // not.
+    native->__data.__lock = FUTEX_OWNER_DIED;
 }
 
 }  // namespace
