@@ -50,9 +50,11 @@ void BusDispatcher::enter() {
         // A message that came in while another one was dispatched waits in the queue, with no event
         // to tell.
         while (has_something_to_dispatch() && !leaving_) dispatch_pending();
-        if (watches_.empty() || isBusLost()) busLost_ = true;
-        if (busLost_ || leaving_) return;
-        if (!waitAndHandle()) busLost_ = true;
+        if (leaving_) return;
+        // The wait itself tells when the other end is gone; asking apart would cost a system call
+        // for each message.
+        if (watches_.empty() || !waitAndHandle()) busLost_ = true;
+        if (busLost_) return;
     }
 }
 

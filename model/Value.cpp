@@ -118,7 +118,12 @@ bool Value::operator==(const Value& other) const {
     return type_ == other.type_ && elements_ == other.elements_;
 }
 
-std::string Value::toString() const {
+std::string Value::toString() && {
+    if (type_ == Type::String && elements_.size() == 1) return std::move(elements_.front().text);
+    return static_cast<const Value&>(*this).toString();
+}
+
+std::string Value::toString() const& {
     if (type_ == Type::Undefined || type_ == Type::Object) return {};
     std::string joined;
     const char* separator = "";
