@@ -129,7 +129,11 @@ std::string Value::toString() const& {
     const char* separator = "";
     for (const ValueHolder& element : elements_) {
         joined += separator;
-        joined += type_ == Type::Integer ? std::to_string(element.integer) : element.text;
+        if (type_ == Type::Integer) {
+            joined += std::to_string(element.integer);
+        } else {
+            joined += element.text;
+        }
         separator = ", ";
     }
     return joined;
