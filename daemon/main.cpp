@@ -1,3 +1,4 @@
+#include <malloc.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -19,6 +20,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds kPollInterval{1000};
 constexpr milliseconds kStoppingPollInterval{50};
 constexpr int kSecondInterruptStatus = -1;  // 255 to the shell
+constexpr int kOwnMappingBytes = 1 << 20;
+constexpr int kKeptHeapBytes = 4 << 20;
 
 // What is still held at exit goes in the reverse order: the store last, both its users before it.
 std::unique_ptr<TR::Storage> storage;
@@ -62,9 +65,20 @@ void waitForEnd() {
     }
 }
 
+// The system log comes and goes by the megabyte. Left alone, the C library takes such blocks from
+// the heap once it has seen one freed, where they leave holes of their size for good. What a long
+// list took, on the other hand, is kept for the next one: fetching it anew costs more than the list.
+void setUpHeap() {
+#ifdef M_MMAP_THRESHOLD
+    mallopt(M_MMAP_THRESHOLD, kOwnMappingBytes);
+    mallopt(M_TRIM_THRESHOLD, kKeptHeapBytes);
+#endif
+}
+
 }  // namespace
 
 int main() {
+    setUpHeap();
     TR::Interrupt::block();
     storage = std::make_unique<TR::Storage>();
     worker = std::make_unique<TR::Worker>(storage.get());

@@ -50,9 +50,11 @@ void BusDispatcher::enter() {
         // A message that came in while another one was dispatched waits in the queue, with no event
         // to tell.
         while (has_something_to_dispatch() && !leaving_) dispatch_pending();
-        if (watches_.empty() || isBusLost()) busLost_ = true;
-        if (busLost_ || leaving_) return;
-        if (!waitAndHandle()) busLost_ = true;
+        if (leaving_) return;
+        // The wait itself tells when the other end is gone; asking apart would cost a system call
+        // for each message.
+        if (watches_.empty() || !waitAndHandle()) busLost_ = true;
+        if (busLost_) return;
     }
 }
 
@@ -82,18 +84,18 @@ bool BusDispatcher::isBusLost() {
 }
 
 bool BusDispatcher::waitAndHandle() {
-    std::vector<pollfd> polled{{wakeDescriptor_, POLLIN, 0}};
-    std::vector<BusWatch*> watched;
+    polled_.assign(1, {wakeDescriptor_, POLLIN, 0});
+    polledWatches_.clear();
     for (const auto& watch : watches_) {
-        polled.push_back(
+        polled_.push_back(
             {watch->descriptor(), static_cast<short>(pollEvents(*watch) | POLLRDHUP), 0});
-        watched.push_back(watch.get());
+        polledWatches_.push_back(watch.get());
     }
-    if (poll(polled.data(), polled.size(), -1) < 0) return errno == EINTR;
-    for (std::size_t i = 0; i < watched.size(); ++i) {
-        const short events = polled[i + 1].revents;
+    if (poll(polled_.data(), polled_.size(), -1) < 0) return errno == EINTR;
+    for (std::size_t i = 0; i < polledWatches_.size(); ++i) {
+        const short events = polled_[i + 1].revents;
         if ((events & kGone) != 0) return false;
-        handle(watched[i], events);
+        handle(polledWatches_[i], events);
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <dbus-c++/dbus.h>
+#include <poll.h>
 
 #include <atomic>
 #include <memory>
@@ -54,7 +55,10 @@ class BusDispatcher : public DBus::BusDispatcher {
     const int wakeDescriptor_;  ///< eventfd, owned
     std::atomic<bool> leaving_{false};
     std::atomic<bool> busLost_{false};
-    std::vector<std::unique_ptr<BusWatch>> watches_;  ///< D-Bus thread only
+    // D-Bus thread only; what is polled is kept for its room.
+    std::vector<std::unique_ptr<BusWatch>> watches_;
+    std::vector<pollfd> polled_;
+    std::vector<BusWatch*> polledWatches_;
     /// Guards the descriptor: libdbus takes its watches back before it closes it, and waits here
     /// while another thread looks at it.
     pthread_helper::mutex descriptorMutex_;

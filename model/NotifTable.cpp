@@ -73,9 +73,8 @@ void NotifTable::tryTriggerNotify(const std::map<Address, Value>& updates) {
     const pthread_helper::scoped_lock lock(mutex_);
     pendingChanges_.clear();
     for (const NotifEntry& entry : table_) {
-        const Address watched(entry.parameter);
         const auto change = std::find_if(updates.begin(), updates.end(), [&](const auto& update) {
-            return update.first == watched;
+            return update.first.get() == entry.parameter;
         });
         if (change == updates.end()) continue;
         pendingChanges_.push_back(entry);

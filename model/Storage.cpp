@@ -14,11 +14,11 @@ constexpr char kUciGet[] = "/usr/bin/uci -q get ";
 
 }  // namespace
 
-bool Storage::set(const Address& address, const Value& value) {
+bool Storage::set(const Address& address, Value value) {
     Value& stored = values_[address];
     const bool changed = stored.getType() != Value::Type::Undefined && stored != value;
     if (changed) updates_.insert_or_assign(address, value);
-    stored = value;
+    stored = std::move(value);
     return changed;
 }
 

@@ -24,7 +24,7 @@ class Storage {
     /// Replaces the value at the address whole, settings included. True when this was recorded as a
     /// change: the entry had a type before and its type or elements differ. The first fill never is
     /// one.
-    bool set(const Address& address, const Value& value);
+    bool set(const Address& address, Value value);
 
     /// Replaces the elements only; false when the address is unknown or the types differ. Records
     /// nothing.

@@ -118,13 +118,22 @@ bool Value::operator==(const Value& other) const {
     return type_ == other.type_ && elements_ == other.elements_;
 }
 
-std::string Value::toString() const {
+std::string Value::toString() && {
+    if (type_ == Type::String && elements_.size() == 1) return std::move(elements_.front().text);
+    return static_cast<const Value&>(*this).toString();
+}
+
+std::string Value::toString() const& {
     if (type_ == Type::Undefined || type_ == Type::Object) return {};
     std::string joined;
     const char* separator = "";
     for (const ValueHolder& element : elements_) {
         joined += separator;
-        joined += type_ == Type::Integer ? std::to_string(element.integer) : element.text;
+        if (type_ == Type::Integer) {
+            joined += std::to_string(element.integer);
+        } else {
+            joined += element.text;
+        }
         separator = ", ";
     }
     return joined;

@@ -82,7 +82,8 @@ class Value {
     bool operator!=(const Value& other) const { return !(*this == other); }
 
     /// The elements joined by ", "; empty for `Undefined`, `Object` and a list without elements.
-    std::string toString() const;
+    std::string toString() const&;
+    std::string toString() &&;
 
   private:
     ValueHolder& firstElement();

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "model/Storage.h"
 #include "providers/InterfaceList.h"
@@ -100,8 +101,8 @@ bool DeviceInfoDataProvider::load() {
 bool DeviceInfoDataProvider::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
-    const auto set = [this](const char* name, const Value& value) {
-        storage()->set(Address(kPrefix + name), value);
+    const auto set = [this](const char* name, Value value) {
+        storage()->set(Address(kPrefix + name), std::move(value));
     };
     set("UpTime", Value(upTime()));
     set("TemperatureStatus.TemperatureSensor.1.Value", Value(temperatureValue()));
@@ -208,11 +209,9 @@ std::string DeviceInfoDataProvider::temperatureValue() const {
 }
 
 std::string DeviceInfoDataProvider::deviceLog() const {
-    std::unique_ptr<char, Free> logs(getLogs());
-    if (!logs) return {};
-    const std::string text(logs.get());
-    logs.reset();  // logs run to megabytes on a small box; keep one copy less while escaping
-    return Utils::escapeForJson(text);
+    // Logs run to megabytes on a small box: they are escaped straight from the buffer they are in.
+    const std::unique_ptr<char, Free> logs(getLogs());
+    return logs ? Utils::escapeForJson(logs.get()) : std::string();
 }
 
 }  // namespace TR

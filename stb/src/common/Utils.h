@@ -3,6 +3,7 @@
 #include "stb/src/common/NSTime.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <sys/time.h>
@@ -41,7 +42,7 @@ void toUpper(std::string& text);
 
 // Makes the text safe inside a JSON string. Every byte above 126 is escaped by itself, so a UTF-8
 // character comes out as several escapes, on purpose.
-std::string escapeForJson(const std::string& text);
+std::string escapeForJson(std::string_view text);
 
 // Parses local time by strptime(); 0 when the text does not match. Seconds since the epoch beyond
 // 32 bits saturate.

@@ -253,4 +253,14 @@ TEST(ValueTest, WithoutDataTheTextIsEmpty) {
     EXPECT_EQ(Value(Type::String, 0).toString(), "");
 }
 
+TEST(ValueTest, AValueThatIsGivenUpPrintsTheSame) {
+    Value list(Value::Type::String, 0);
+    list.listPushString("one");
+    list.listPushString("two");
+    for (const Value& value : {Value(), Value::Object(), Value(7LL), Value(std::string("text")),
+                               Value(Value::Type::String, 0), list}) {
+        EXPECT_EQ(Value(value).toString(), value.toString());
+    }
+}
+
 }  // namespace

@@ -1,3 +1,4 @@
+#include "stb/src/common/Format.h"
 #include "stb/src/common/Lines.h"
 #include "stb/src/common/Utils.h"
 
@@ -30,4 +31,11 @@ TEST(UtilsTextTest, LinesAreSplitWithOrWithoutTheirLineFeeds) {
     EXPECT_EQ(splitLines("a\n\nb", LineFeeds::Keep), (Texts{"a\n", "\n", "b"}));
     EXPECT_EQ(splitLines("a\nb\n", LineFeeds::Keep, 1), Texts{"a\n"});
     EXPECT_TRUE(splitLines("", LineFeeds::Keep).empty());
+}
+
+TEST(FormatTest, ATextOfAnyLengthIsFormattedWhole) {
+    for (const std::size_t length : {0U, 1U, 510U, 511U, 512U, 513U, 5000U}) {
+        const std::string text(length, 'x');
+        EXPECT_EQ(TR::Utils::format("%s", text.c_str()), text);
+    }
 }

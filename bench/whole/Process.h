@@ -1,0 +1,22 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+/// What the kernel tells of a running process. 0 where it tells nothing.
+namespace bench {
+
+/// Kilobytes behind a key of /proc/PID/status or smaps_rollup, such as "VmHWM" or "Private_Dirty".
+std::uint64_t statusKilobytes(pid_t pid, const std::string& key);
+std::uint64_t mapsKilobytes(pid_t pid, const std::string& key);
+
+/// Voluntary context switches of each thread so far.
+std::map<pid_t, std::uint64_t> voluntarySwitches(pid_t pid);
+
+/// Makes VmHWM the present resident size.
+void resetPeak(pid_t pid);
+
+}  // namespace bench
