@@ -1,0 +1,36 @@
+# The fault tables. Their rows are cases of GoogleTest, many of which share one life of the daemon, so one CTest
+# test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
+add_executable(fault_tests CommandFaultTest.cpp FaultyLife.cpp Vitals.cpp)
+target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
+                                          kelm_warnings)
+target_include_directories(fault_tests PRIVATE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(fault_tests PRIVATE KELM_TRD_PROGRAM="$<TARGET_FILE:kelm-trd>")
+set_target_properties(fault_tests PROPERTIES CROSSCOMPILING_EMULATOR
+                                             "${PROJECT_SOURCE_DIR}/box/test-in-box")
+add_dependencies(fault_tests kelm-trd)
+
+function(fault_group name filter)
+  add_test(NAME FaultTest.${name} COMMAND fault_tests --gtest_filter=${filter})
+  set_tests_properties(
+    FaultTest.${name}
+    PROPERTIES LABELS "box;faults"
+               TIMEOUT 600
+               SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]"
+               # No row means that the filter is wrong.
+               FAIL_REGULAR_EXPRESSION "Running 0 tests")
+endfunction()
+
+foreach(
+  failing
+  IsMissing
+  Fails
+  IsSilent
+  PrintsGarbage
+  PrintsTenMegabytes
+  LeavesItsLastLineWithoutAnEnd
+  IsSlow
+  HangsUntilItIsKilled
+  ClosesItsOutputEarly
+  LeavesAChildThatHoldsThePipe)
+  fault_group(ACommand${failing} Commands/*${failing})
+endforeach()
