@@ -1,6 +1,7 @@
 # The fault tables. Their rows are cases of GoogleTest, many of which share one life of the daemon, so one CTest
 # test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
-add_executable(fault_tests CommandFaultTest.cpp FaultyLife.cpp Vitals.cpp)
+add_executable(fault_tests CommandFaultTest.cpp DaemonTest.cpp FaultyLife.cpp FileFaultTest.cpp
+                           Vitals.cpp WriteFaultTest.cpp)
 target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
                                           kelm_warnings)
 target_include_directories(fault_tests PRIVATE ${PROJECT_SOURCE_DIR})
@@ -34,3 +35,23 @@ foreach(
   LeavesAChildThatHoldsThePipe)
   fault_group(ACommand${failing} Commands/*${failing})
 endforeach()
+
+foreach(write AFullDisk AReadOnlyFolder TheDescriptorLimit)
+  fault_group(${write}LosesNoSetting Writes/*${write})
+endforeach()
+
+foreach(
+  failing
+  IsMissing
+  IsEmpty
+  IsAFolder
+  IsAFifo
+  CannotBeRead
+  HasNoFinalLineFeed
+  IsBinary
+  IsTenMegabytes
+  ChangesWhileItIsRead
+  IsReplacedAgainAndAgain)
+  fault_group(AFile${failing} Files/*${failing})
+endforeach()
+fault_group(TheKernelsMemoryFigures MemoryFiles/*)

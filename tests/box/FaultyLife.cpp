@@ -25,6 +25,7 @@ constexpr std::pair<const char*, const char*> kSettings[] = {
     {"Device.DeviceInfo.ProvisioningCode", "code 17"},
     {"Device.IP.Interface.1.Alias", "living room"},
     {"Device.Services.STBService.1.ServiceMonitoring.SampleInterval", "77"},
+    {"Device.Services.STBService.1.ServiceMonitoring.MainStream.1.Enable", "1"},
 };
 
 // Ten megabytes pass through the daemon in several copies, and the C library keeps some of what is
@@ -98,6 +99,7 @@ void FaultyLife::live(const Script& script) {
     script.underFaults(*client_);
     readTree();
     script.mend();
+    script.afterFaults(*client_);
     waitForCycles(1);
     after_ = readTree();
     checkSettings();

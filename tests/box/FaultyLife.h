@@ -27,6 +27,8 @@ class FaultyLife {
         std::function<void()> mend = [] {};
         /// Said to the daemon while the faults last, beside the reading of the whole tree.
         std::function<void(TrClient&)> underFaults = [](TrClient&) {};
+        /// The same when they are gone.
+        std::function<void(TrClient&)> afterFaults = [](TrClient&) {};
         /// Commands that hang are killed from time to time, as a watchdog would.
         bool killHanging = false;
     };
