@@ -99,11 +99,11 @@ std::unique_ptr<FaultyLife> lifeWith(const Failing& failing) {
     FaultyLife::Script script;
     script.spoilStart = [&] { forEach(true, failing, spoil); };
     script.mendStart = [&] { forEach(true, failing, mend); };
-    script.spoil = [&] {
+    script.spoil = [&](pid_t) {
         for (const Command& command : kCommands) box::clearCalls(command.name);
         forEach(false, failing, spoil);
     };
-    script.mend = [&] { forEach(false, failing, mend); };
+    script.mend = [&](pid_t) { forEach(false, failing, mend); };
     script.killHanging = failing.fault != nullptr && std::string(failing.fault) == "hang";
     return std::make_unique<FaultyLife>(script);
 }

@@ -1,14 +1,16 @@
 # The fault tables. Their rows are cases of GoogleTest, many of which share one life of the daemon, so one CTest
 # test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
 add_executable(fault_tests CommandFaultTest.cpp DaemonTest.cpp FaultyLife.cpp FileFaultTest.cpp
-                           Vitals.cpp WriteFaultTest.cpp)
+                           SystemFaultTest.cpp Vitals.cpp WriteFaultTest.cpp)
 target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
                                           kelm_warnings)
 target_include_directories(fault_tests PRIVATE ${PROJECT_SOURCE_DIR})
-target_compile_definitions(fault_tests PRIVATE KELM_TRD_PROGRAM="$<TARGET_FILE:kelm-trd>")
+target_compile_definitions(
+  fault_tests PRIVATE KELM_TRD_PROGRAM="$<TARGET_FILE:kelm-trd>"
+                      KELM_FAULT_SHIM="$<TARGET_FILE:faultshim>")
 set_target_properties(fault_tests PROPERTIES CROSSCOMPILING_EMULATOR
                                              "${PROJECT_SOURCE_DIR}/box/test-in-box")
-add_dependencies(fault_tests kelm-trd)
+add_dependencies(fault_tests kelm-trd faultshim)
 
 function(fault_group name filter)
   add_test(NAME FaultTest.${name} COMMAND fault_tests --gtest_filter=${filter})
@@ -55,3 +57,20 @@ foreach(
   fault_group(AFile${failing} Files/*${failing})
 endforeach()
 fault_group(TheKernelsMemoryFigures MemoryFiles/*)
+
+foreach(
+  fault
+  TheDescriptorLimitIsReached
+  TheMemoryLimitIsNear
+  NoProcessCanBeStarted
+  TheInterfacesCannotBeListed
+  ThereAreHundredsOfInterfaces
+  TheClockIsSteppedBackAnHour
+  TheClockIsSteppedAheadAYearAndBack
+  TheTimeZoneChanges
+  TheNotificationFileIsRewrittenAllTheTime
+  UbusIsSlowWhileClientsRead)
+  fault_group(${fault} System/*${fault})
+endforeach()
+fault_group(StepsAndStops ShimTest.*)
+fault_group(ALogThatDoesNotFitMemory MemoryLimitTest.*)

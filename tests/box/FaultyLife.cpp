@@ -19,6 +19,8 @@ constexpr char kNotifyFile[] = "/tmp/.easycwmp_notif_param_value";
 // Some faults hold a cycle up for half a minute, and sanitizers and emulators are slow.
 constexpr seconds kDeadline{120};
 
+constexpr seconds kTwoCycles{11};
+
 // One setting of each home that the daemon has for them.
 constexpr std::pair<const char*, const char*> kSettings[] = {
     {"Device.Services.STBService.1.X_Kelm.Config.SyslogHost", "10.1.2.3"},
@@ -89,16 +91,20 @@ void FaultyLife::live(const Script& script) {
         watchdog = std::make_unique<Repeating>([this] { killHangingCommands(); });
     }
     script.spoilStart();
-    start();
+    start(script.environment);
     script.mendStart();
     giveSettings();
     before_ = readTree();
     const Vitals baseline = vitalsOf(daemon_->pid());
-    script.spoil();
-    waitForCycles(1);
+    script.spoil(daemon_->pid());
+    if (script.hidesCycles) {
+        std::this_thread::sleep_for(kTwoCycles);
+    } else {
+        waitForCycles(1);
+    }
     script.underFaults(*client_);
     readTree();
-    script.mend();
+    script.mend(daemon_->pid());
     script.afterFaults(*client_);
     waitForCycles(1);
     after_ = readTree();
@@ -107,12 +113,13 @@ void FaultyLife::live(const Script& script) {
     stop();
 }
 
-void FaultyLife::start() {
+void FaultyLife::start(const Child::Environment& environment) {
     bus_ = std::make_unique<PrivateBus>();
     // The box's own commands only: what a table calls missing must not be found on the host.
-    const Child::Environment environment{{"PATH", "/usr/bin"}};
+    Child::Environment complete{{"PATH", "/usr/bin"}};
+    complete.insert(complete.end(), environment.begin(), environment.end());
     daemon_ = std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM},
-                                      "/tmp/daemon-output", environment);
+                                      "/tmp/daemon-output", complete);
     client_ = std::make_unique<TrClient>(bus_->address());
     client_->setTimeout(kDeadline);
     const auto firstCycleIsOver = [this] {

@@ -23,12 +23,16 @@ class FaultyLife {
         std::function<void()> spoilStart = [] {};
         std::function<void()> mendStart = [] {};
         /// Faults of what is read in every cycle or at a call.
-        std::function<void()> spoil = [] {};
-        std::function<void()> mend = [] {};
+        std::function<void(pid_t daemon)> spoil = [](pid_t) {};
+        std::function<void(pid_t daemon)> mend = [](pid_t) {};
         /// Said to the daemon while the faults last, beside the reading of the whole tree.
         std::function<void(TrClient&)> underFaults = [](TrClient&) {};
         /// The same when they are gone.
         std::function<void(TrClient&)> afterFaults = [](TrClient&) {};
+        /// The daemon's, beside the usual one.
+        Child::Environment environment = {};
+        /// Under the faults nothing tells of a cycle, so time has to.
+        bool hidesCycles = false;
         /// Commands that hang are killed from time to time, as a watchdog would.
         bool killHanging = false;
     };
@@ -48,7 +52,7 @@ class FaultyLife {
 
     static std::string valueIn(const Tree& tree, const std::string& address);
     void live(const Script& script);
-    void start();
+    void start(const Child::Environment& environment);
     void giveSettings();
     void checkSettings();
     void waitForCycles(unsigned cycles);

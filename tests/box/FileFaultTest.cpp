@@ -217,9 +217,9 @@ std::unique_ptr<FaultyLife> lifeWith(const Failing& failing) {
     FaultyLife::Script script;
     script.spoilStart = [&] { spoiled = spoil(true, failing); };
     script.mendStart = [&] { spoiled.clear(); };
-    script.spoil = [&] { spoiled = spoil(false, failing); };
+    script.spoil = [&](pid_t) { spoiled = spoil(false, failing); };
     script.underFaults = readNotificationFile;
-    script.mend = [&] {
+    script.mend = [&](pid_t) {
         spoiled.clear();
         box::clearCalls("ubus");
     };
