@@ -1,6 +1,6 @@
 # The fault tables. Their rows are cases of GoogleTest, many of which share one life of the daemon, so one CTest
 # test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
-add_executable(fault_tests CommandFaultTest.cpp DaemonTest.cpp FaultyLife.cpp FileFaultTest.cpp
+add_executable(fault_tests ClientFaultTest.cpp CommandFaultTest.cpp DaemonTest.cpp FaultyLife.cpp FileFaultTest.cpp
                            SystemFaultTest.cpp Vitals.cpp WriteFaultTest.cpp)
 target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
                                           kelm_warnings)
@@ -61,7 +61,6 @@ fault_group(TheKernelsMemoryFigures MemoryFiles/*)
 foreach(
   fault
   TheDescriptorLimitIsReached
-  TheMemoryLimitIsNear
   NoProcessCanBeStarted
   TheInterfacesCannotBeListed
   ThereAreHundredsOfInterfaces
@@ -73,4 +72,27 @@ foreach(
   fault_group(${fault} System/*${fault})
 endforeach()
 fault_group(StepsAndStops ShimTest.*)
-fault_group(ALogThatDoesNotFitMemory MemoryLimitTest.*)
+# A sanitizer's shadow memory is far beyond any limit.
+if(NOT KELM_SANITIZE)
+  fault_group(TheMemoryLimitIsNear System/*TheMemoryLimitIsNear)
+  fault_group(ALogThatDoesNotFitMemory MemoryLimitTest.*)
+endif()
+
+foreach(
+  case
+  AThousandCallsInFlightAreAllAnsweredEachWithItsOwn
+  EightClientsAtOnceLoseAndMixUpNothing
+  ClientsThatDieInTheMiddleOfTheirCallsHarmNobody
+  AClientThatNeverReadsItsRepliesHarmsNobody
+  EveryWrongSignatureIsRefusedWithAndWithoutAnInterface
+  AnyAddressIsTakenAsItIs
+  AnyTextIsKeptAsItIs
+  AfterTheBusWasRestartedANewDaemonServesWithTheOldSettings
+  TwoDaemonsAtOnceServeTheSameSettings)
+  fault_group(${case} ClientFaultTest.${case})
+endforeach()
+fault_group(InterruptsAtAnyMoment InterruptedFaultTest.*)
+fault_group(StartThreeCyclesStop WholeLifeTest.Start*)
+if(KELM_SANITIZE MATCHES address)
+  fault_group(ALeakWouldBeSeen WholeLifeTest.ALeak*)
+endif()
