@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "daemon/ClockStep.h"
 #include "daemon/Interrupt.h"
 #include "daemon/StopTask.h"
 #include "daemon/Worker.h"
@@ -57,11 +58,13 @@ void signalHandler(int) {
 }
 
 void waitForEnd() {
+    TR::ClockStep clockStep;
     while (worker->isOnline() || stopTask().isUnderWay()) {
         if (TR::Interrupt::wait(stopRequested ? kStoppingPollInterval : kPollInterval)) {
             signalHandler(SIGINT);
         }
         if (!stopRequested && dbusWorker->isBusLost()) exitWithoutBus();
+        if (clockStep.shouldWakeSleepers()) worker->notify();
     }
 }
 

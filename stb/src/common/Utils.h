@@ -25,8 +25,8 @@ std::string getFileContent(const std::string& path);
 // The file's lines without their line feeds; at most `maximum` of them unless it is 0.
 std::vector<std::string> getFileContents(const std::string& path, unsigned maximum = 0);
 
-// Replaces the file's content; the empty content deletes the file. True when the file now holds the
-// content, or is gone. After a failed write (full disk) the file may hold a part of it.
+// Replaces the file's content in place; the empty content deletes the file. True when the file now
+// holds the content, or is gone. After a failed write (full disk) it holds what it held before.
 bool setFileContent(const std::string& path, const std::string& content);
 
 // What the shell command prints on standard output, whatever its exit status.

@@ -154,6 +154,57 @@ TEST_F(UtilsFileTest, AFullDiskIsAFailure) {
     EXPECT_EQ(child.out, "01");
 }
 
+TEST_F(UtilsFileTest, ASettingThatDoesNotFitLeavesTheOldOneWhereItWas) {
+    const std::string path = folder_.write("setting", "old");
+    struct stat before {};
+    ASSERT_EQ(stat(path.c_str(), &before), 0);
+    const ChildResult child = runInChild([&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{1000, 1000};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::printf("%d", setFileContent(path, std::string(5000, 'x')));
+    });
+    EXPECT_EQ(child.out, "0");
+    EXPECT_EQ(getFileContent(path), "old");
+    struct stat after {};
+    ASSERT_EQ(stat(path.c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+}
+
+TEST_F(UtilsFileTest, ANewFileThatDoesNotFitIsNotLeftBehind) {
+    const std::string path = folder_.path("new");
+    const ChildResult child = runInChild([&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{1000, 1000};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::printf("%d", setFileContent(path, std::string(5000, 'x')));
+    });
+    EXPECT_EQ(child.out, "0");
+    EXPECT_FALSE(fileExist(path));
+}
+
+TEST_F(UtilsFileTest, SettingKeepsTheFilesInodeAndMode) {
+    const std::string path = folder_.write("setting", "old and long");
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    struct stat before {};
+    ASSERT_EQ(stat(path.c_str(), &before), 0);
+    EXPECT_TRUE(setFileContent(path, "new"));
+    struct stat after {};
+    ASSERT_EQ(stat(path.c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_mode, before.st_mode);
+    EXPECT_EQ(getFileContent(path), "new");
+}
+
+TEST_F(UtilsFileTest, ALinkIsWrittenThrough) {
+    const std::string link = folder_.path("link");
+    ASSERT_EQ(symlink(folder_.path("target").c_str(), link.c_str()), 0);
+    EXPECT_TRUE(setFileContent(link, "new"));
+    EXPECT_EQ(getFileContent(folder_.path("target")), "new");
+    EXPECT_TRUE(setFileContent(link, "newer"));
+    EXPECT_EQ(getFileContent(folder_.path("target")), "newer");
+}
+
 TEST_F(UtilsFileTest, NoDescriptorLeaks) {
     const std::string fifo = makeFifo();
     const std::ptrdiff_t before = openDescriptors();

@@ -1,0 +1,429 @@
+// Clients that do what clients should not, and a bus that comes and goes.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <random>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/box/DaemonTest.h"
+#include "tests/box/Shim.h"
+#include "tests/box/Vitals.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr char kInvalidArguments[] = "org.freedesktop.DBus.Error.InvalidArgs";
+constexpr char kCode[] = "Device.DeviceInfo.ProvisioningCode";
+const std::string kConfig = "Device.Services.STBService.1.X_Kelm.Config.";
+
+// Texts that stay as they are as long as the box is left alone.
+constexpr std::pair<const char*, const char*> kKnown[] = {
+    {"Device.DeviceInfo.Manufacturer", "KELM"},
+    {"Device.DeviceInfo.SerialNumber", "001A2B3C4D5E"},
+    {"Device.DeviceInfo.ManufacturerOUI", "001A2B"},
+    {"Device.IP.Interface.1.Name", "eth0"},
+    {"Device.IP.Interface.2.Name", "wlan0"},
+    {"Device.Nothing", ""},
+    {"Device.DeviceInfo.ProductClass", "STB"},
+};
+const auto& known(std::size_t number) {
+    return kKnown[number % std::size(kKnown)];
+}
+
+class ClientFaultTest : public DaemonTest {
+  protected:
+    void SetUp() override {
+        // Bounds of the bus are not what is tried here.
+        start("<limit name=\"max_replies_per_connection\">50000</limit>");
+        ASSERT_TRUE(client().set(kConfig + "SyslogHost", "10.1.2.3").ok);
+        before_ = vitalsOf(daemon().pid());
+    }
+
+    // What every fault has to leave behind: a daemon that answers, holds what it held and stops in
+    // order.
+    void TearDown() override {
+        if (HasFatalFailure() || !daemon().isRunning()) return;
+        expectAnswers();
+        EXPECT_EQ(value(kConfig + "SyslogHost"), "10.1.2.3");
+        Vitals now;
+        EXPECT_TRUE(box::waitUntil([&] {
+            now = vitalsOf(daemon().pid());
+            return now.threads == before_.threads && now.descriptors == before_.descriptors &&
+                   now.children == 0;
+        })) << before_
+            << "; now: " << now;
+        daemon().send(SIGINT);
+        expectEnd({0, 0});
+    }
+
+    Vitals before_;
+};
+
+std::string textOf(DBusPendingCall* pending) {
+    dbus_pending_call_block(pending);
+    DBusMessage* reply = dbus_pending_call_steal_reply(pending);
+    const char* text = "(none)";
+    dbus_message_get_args(reply, nullptr, DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
+    const std::string result = text;
+    dbus_message_unref(reply);
+    return result;
+}
+
+TEST_F(ClientFaultTest, AThousandCallsInFlightAreAllAnsweredEachWithItsOwn) {
+    std::vector<TrClient::Pending> calls;
+    for (std::size_t i = 0; i < 1000; ++i) calls.push_back(client().sendGetValue(known(i).first));
+    // The last one first: what was answered meanwhile waits for whoever asked.
+    for (std::size_t i = calls.size(); i-- > 0;) {
+        ASSERT_NE(calls[i], nullptr);
+        EXPECT_EQ(textOf(calls[i].get()), known(i).second) << i;
+    }
+}
+
+// One of the eight: reads what it knows and writes what is its own.
+class Talker {
+  public:
+    Talker(const std::string& bus, std::size_t number) : client_(bus), number_(number) {}
+
+    void talkUntil(const std::atomic<bool>& done) {
+        static const std::array<const char*, 4> names{"UpdateType", "UpdateServer", "TimeZone",
+                                                      "ProvisionServer"};
+        while (!done) {
+            const auto& [address, text] = known(number_ + count_);
+            if (client_.getValue(address).text != text) ++mistakes_;
+            if (number_ < names.size()) write(kConfig + names[number_]);
+            if (client_.listParametersOnly().list.empty()) ++mistakes_;
+            ++count_;
+        }
+    }
+    std::size_t count() const { return count_; }
+    std::size_t mistakes() const { return mistakes_; }
+
+  private:
+    void write(const std::string& address) {
+        const std::string mine = std::to_string(number_) + "/" + std::to_string(count_);
+        if (!client_.set(address, mine).ok || client_.getValue(address).text != mine) ++mistakes_;
+    }
+
+    TrClient client_;
+    const std::size_t number_;
+    std::size_t count_ = 0;
+    std::size_t mistakes_ = 0;
+};
+
+TEST_F(ClientFaultTest, EightClientsAtOnceLoseAndMixUpNothing) {
+    std::atomic<bool> done{false};
+    std::vector<std::unique_ptr<Talker>> talkers;
+    for (std::size_t i = 0; i < 8; ++i) {
+        talkers.push_back(std::make_unique<Talker>(bus().address(), i));
+    }
+    std::vector<std::thread> threads;
+    for (auto& talker : talkers) threads.emplace_back([&] { talker->talkUntil(done); });
+    std::this_thread::sleep_for(seconds(10));
+    done = true;
+    for (std::thread& thread : threads) thread.join();
+    for (const auto& talker : talkers) {
+        EXPECT_GT(talker->count(), 0U);
+        EXPECT_EQ(talker->mistakes(), 0U);
+    }
+}
+
+// A process of its own, so that it can die as one.
+void beAClientThatDies(const std::string& bus, unsigned calls) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        TrClient dying(bus);
+        std::vector<TrClient::Pending> pending;
+        for (unsigned i = 0; i < calls; ++i) pending.push_back(dying.sendGetValue(kCode));
+        kill(getpid(), SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    ASSERT_TRUE(WIFSIGNALED(status));
+}
+
+TEST_F(ClientFaultTest, ClientsThatDieInTheMiddleOfTheirCallsHarmNobody) {
+    box::setFault("uci", "slow 1");
+    for (unsigned i = 0; i < 3; ++i) beAClientThatDies(bus().address(), 1);
+    box::setFault("uci", "");
+    for (unsigned i = 0; i < 20; ++i) beAClientThatDies(bus().address(), i);
+}
+
+// Sends what the sockets take, then sleeps: forty megabytes of replies wait for it on the bus.
+[[noreturn]] void beAClientThatNeverReads(const std::string& bus) {
+    DBusConnection* connection = dbus_connection_open_private(bus.c_str(), nullptr);
+    if (connection == nullptr || dbus_bus_register(connection, nullptr) == FALSE) _exit(1);
+    for (int i = 0; i < 2000; ++i) {
+        DBusMessage* call = dbus_message_new_method_call(TrClient::kService, "/com/kelm/stb/TR",
+                                                         TrClient::kInterface, "listAddresses");
+        dbus_connection_send(connection, call, nullptr);
+        dbus_message_unref(call);
+    }
+    dbus_connection_flush(connection);
+    while (true) pause();
+}
+
+TEST_F(ClientFaultTest, AClientThatNeverReadsItsRepliesHarmsNobody) {
+    const pid_t pid = fork();
+    if (pid == 0) beAClientThatNeverReads(bus().address());
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM");
+        std::this_thread::sleep_for(milliseconds(100));
+    }
+    EXPECT_EQ(waitpid(pid, nullptr, WNOHANG), 0) << "the client is gone too early";
+    kill(pid, SIGKILL);
+    EXPECT_EQ(waitpid(pid, nullptr, 0), pid);
+}
+
+struct Signature {
+    const char* name;
+    std::function<void(DBusMessageIter&)> append;
+};
+
+template <typename T>
+std::function<void(DBusMessageIter&)> basic(int type, T value) {
+    return [=](DBusMessageIter& position) {
+        T copy = value;
+        dbus_message_iter_append_basic(&position, type, &copy);
+    };
+}
+
+void appendArray(DBusMessageIter& position) {
+    DBusMessageIter array;
+    dbus_message_iter_open_container(&position, DBUS_TYPE_ARRAY, "s", &array);
+    const char* text = "Device.";
+    dbus_message_iter_append_basic(&array, DBUS_TYPE_STRING, &text);
+    dbus_message_iter_close_container(&position, &array);
+}
+
+void appendVariant(DBusMessageIter& position) {
+    DBusMessageIter variant;
+    dbus_message_iter_open_container(&position, DBUS_TYPE_VARIANT, "s", &variant);
+    const char* text = "Device.";
+    dbus_message_iter_append_basic(&variant, DBUS_TYPE_STRING, &text);
+    dbus_message_iter_close_container(&position, &variant);
+}
+
+void appendStructure(DBusMessageIter& position) {
+    DBusMessageIter structure;
+    dbus_message_iter_open_container(&position, DBUS_TYPE_STRUCT, nullptr, &structure);
+    const char* text = "Device.";
+    dbus_message_iter_append_basic(&structure, DBUS_TYPE_STRING, &text);
+    dbus_message_iter_append_basic(&structure, DBUS_TYPE_STRING, &text);
+    dbus_message_iter_close_container(&position, &structure);
+}
+
+void appendDictionary(DBusMessageIter& position) {
+    DBusMessageIter array;
+    dbus_message_iter_open_container(&position, DBUS_TYPE_ARRAY, "{sv}", &array);
+    dbus_message_iter_close_container(&position, &array);
+}
+
+void appendDescriptor(DBusMessageIter& position) {
+    const int descriptor = STDERR_FILENO;
+    dbus_message_iter_append_basic(&position, DBUS_TYPE_UNIX_FD, &descriptor);
+}
+
+std::vector<Signature> wrongSignatures() {
+    return {
+        {"none", [](DBusMessageIter&) {}},
+        {"boolean", basic<dbus_bool_t>(DBUS_TYPE_BOOLEAN, 1)},
+        {"byte", basic<unsigned char>(DBUS_TYPE_BYTE, 7)},
+        {"int16", basic<dbus_int16_t>(DBUS_TYPE_INT16, -1)},
+        {"uint16", basic<dbus_uint16_t>(DBUS_TYPE_UINT16, 1)},
+        {"int32", basic<dbus_int32_t>(DBUS_TYPE_INT32, -1)},
+        {"uint32", basic<dbus_uint32_t>(DBUS_TYPE_UINT32, 1)},
+        {"int64", basic<dbus_int64_t>(DBUS_TYPE_INT64, -1)},
+        {"uint64", basic<dbus_uint64_t>(DBUS_TYPE_UINT64, 1)},
+        {"double", basic<double>(DBUS_TYPE_DOUBLE, 0.5)},
+        {"path", basic<const char*>(DBUS_TYPE_OBJECT_PATH, "/Device")},
+        {"signature", basic<const char*>(DBUS_TYPE_SIGNATURE, "as")},
+        {"array", appendArray},
+        {"variant", appendVariant},
+        {"structure", appendStructure},
+        {"dictionary", appendDictionary},
+        {"descriptor", appendDescriptor},
+    };
+}
+
+constexpr const char* kWithArguments[] = {"set", "get_value", "getWritable", "getForcedInform"};
+constexpr const char* kWithoutArguments[] = {"listAddresses", "listParametersOnly",
+                                             "updateNotifTable", "checkValueChange"};
+
+TEST_F(ClientFaultTest, EveryWrongSignatureIsRefusedWithAndWithoutAnInterface) {
+    const auto before = client().listAddresses().list;
+    for (const Signature& wrong : wrongSignatures()) {
+        for (const char* interface : {TrClient::kInterface, static_cast<const char*>(nullptr)}) {
+            for (const char* member : kWithArguments) {
+                EXPECT_EQ(client().call({interface, member, {}, wrong.append}).errorName,
+                          kInvalidArguments)
+                    << member << ' ' << wrong.name;
+            }
+            EXPECT_EQ(client().call({interface, "set", {"Device.X"}, wrong.append}).errorName,
+                      kInvalidArguments)
+                << wrong.name;
+            for (const char* member : kWithoutArguments) {
+                EXPECT_TRUE(client().call({interface, member, {}, wrong.append}).ok)
+                    << member << ' ' << wrong.name;
+            }
+        }
+    }
+    EXPECT_EQ(client().listAddresses().list, before);
+}
+
+// One character for each byte value that a D-Bus text may hold, in each place that it may have.
+std::string everyByteOfText() {
+    std::string text;
+    for (int byte = 1; byte < 0x80; ++byte) text += static_cast<char>(byte);
+    for (int lead = 0xC2; lead <= 0xDF; ++lead) {
+        for (int next = 0x80; next <= 0xBF; ++next) {
+            text += static_cast<char>(lead);
+            text += static_cast<char>(next);
+        }
+    }
+    for (int lead = 0xE1; lead <= 0xEF; ++lead) {
+        text += static_cast<char>(lead);
+        text += lead == 0xED ? "\x81\x82" : "\x8F\xBD";
+    }
+    return text + "\xE0\xA0\x80\xF0\x90\x80\x80\xF1\x8F\xBF\xBD\xF2\x8F\xBF\xBD\xF3\x8F\xBF\xBD" +
+           "\xF4\x8F\xBF\xBD";
+}
+
+TEST_F(ClientFaultTest, AnyAddressIsTakenAsItIs) {
+    const std::string addresses[] = {"",
+                                     std::string(1U << 20, 'D'),
+                                     everyByteOfText(),
+                                     "Device..DeviceInfo..",
+                                     "Device.%s%n%x",
+                                     "../../etc/passwd"};
+    for (const std::string& address : addresses) {
+        SCOPED_TRACE(address.substr(0, 40));
+        EXPECT_EQ(client().getValue(address).text, "");
+        EXPECT_TRUE(client().set(address, address).ok);
+        EXPECT_EQ(client().getWritable(address).text, "0");
+        EXPECT_EQ(client().getForcedInform(address).text, "0");
+        EXPECT_EQ(client().getValue(address).text, "");
+        const auto list = client().listAddresses().list;
+        EXPECT_NE(std::find(list.begin(), list.end(), address), list.end());
+    }
+}
+
+TEST_F(ClientFaultTest, AnyTextIsKeptAsItIs) {
+    for (const std::string& text :
+         {everyByteOfText(), std::string(1U << 20, 'x'), std::string("$(reboot) `reboot` \"'\\")}) {
+        ASSERT_TRUE(client().set(kConfig + "UpdateServer", text).ok);
+        EXPECT_EQ(value(kConfig + "UpdateServer"), text);
+    }
+}
+
+TEST_F(ClientFaultTest, AfterTheBusWasRestartedANewDaemonServesWithTheOldSettings) {
+    ASSERT_TRUE(client().set(kCode, "code 17").ok);
+    bus().kill();
+    expectEnd({1, 0});
+    bus().start();
+    launch();
+    waitForFirstCycle();
+    EXPECT_EQ(value(kCode), "code 17");
+    before_ = vitalsOf(daemon().pid());
+}
+
+TEST_F(ClientFaultTest, TwoDaemonsAtOnceServeTheSameSettings) {
+    Child second({KELM_TRD_PROGRAM}, "/tmp/second-output");
+    ASSERT_TRUE(box::waitUntil([&] { return second.output().find("WARN") != std::string::npos; }));
+    waitForCycles(1);
+    second.send(SIGINT);
+    EXPECT_EQ(second.waitForEnd(), (ExitStatus{0, 0})) << second.output();
+}
+
+/// SIGINT at random moments of random faults, the same ones in every run.
+class InterruptedFaultTest : public DaemonTest {
+  protected:
+    static void spoil(std::mt19937& random) {
+        static constexpr const char* kFaults[] = {"",       "exit 1",       "garbage",      "flood",
+                                                  "slow 1", "closeearly 1", "background 1", ""};
+        for (const char* command :
+             {"uci", "ubus", "iw", "ps", "netstat", "sysctl", "chipid_tool"}) {
+            box::setFault(command, kFaults[random() % std::size(kFaults)]);
+        }
+    }
+
+    // Calls of all kinds until the daemon is gone.
+    static void talk(const std::string& bus, const std::atomic<bool>& done) {
+        TrClient client(bus);
+        client.setTimeout(milliseconds(200));
+        while (!done) {
+            client.getValue(kCode);
+            client.updateNotifTable();
+            client.set(kConfig + "TimeZone", "MSK-3");
+            client.listAddresses();
+        }
+    }
+};
+
+TEST_F(InterruptedFaultTest, AnInterruptAtAnyMomentOfAnyFaultStopsTheDaemonInOrder) {
+    startBus();
+    std::mt19937 random(7);
+    for (int round = 0; round < 15; ++round) {
+        spoil(random);
+        box::writeFile("/tmp/.easycwmp_notif_param_value",
+                       change("Device.DeviceInfo.UpTime", "") + "{ half a li");
+        launch();
+        std::atomic<bool> done{false};
+        std::thread talker([&] { talk(bus().address(), done); });
+        std::this_thread::sleep_for(milliseconds(random() % 3000));
+        daemon().send(SIGINT);
+        const auto end = daemon().waitForEnd(seconds(60));
+        done = true;
+        talker.join();
+        ASSERT_TRUE(end.has_value()) << "round " << round << " hangs\n" << daemon().output();
+        // Before main() has taken hold of the signal, its default action ends the process.
+        const bool beforeMain = *end == ExitStatus{0, SIGINT};
+        EXPECT_TRUE(beforeMain || *end == ExitStatus{}) << round << *end << daemon().output();
+    }
+}
+
+class WholeLifeTest : public DaemonTest {};
+
+// In a build with the leak checker a leak is told by the exit status.
+TEST_F(WholeLifeTest, StartThreeCyclesStopLeavesNothingBehind) {
+    start();
+    ASSERT_TRUE(client().set(kCode, "x").ok);
+    watch({"Device.DeviceInfo.UpTime"});
+    waitForCycles(2);
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+TEST_F(WholeLifeTest, ALeakWouldBeSeen) {
+#if defined(__SANITIZE_ADDRESS__)
+    startBus();
+    Child::Environment environment = shim::environment();
+    environment.emplace_back("KELM_SHIM_LEAK", "1");
+    launch(environment);
+    waitForFirstCycle();
+    daemon().send(SIGINT);
+    const auto end = daemon().waitForEnd();
+    ASSERT_TRUE(end.has_value());
+    EXPECT_NE(end->code, 0);
+    EXPECT_TRUE(logHas("LeakSanitizer")) << daemon().output();
+#else
+    GTEST_SKIP() << "this build has no leak checker";
+#endif
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+# The fault tables. Their rows are cases of GoogleTest, many of which share one life of the daemon, so one CTest
+# test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
+add_executable(fault_tests ClientFaultTest.cpp CommandFaultTest.cpp DaemonTest.cpp FaultyLife.cpp FileFaultTest.cpp
+                           SystemFaultTest.cpp Vitals.cpp WriteFaultTest.cpp)
+target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
+                                          kelm_warnings)
+target_include_directories(fault_tests PRIVATE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(
+  fault_tests PRIVATE KELM_TRD_PROGRAM="${KELM_PROGRAM_FOLDER}/kelm-trd"
+                      KELM_FAULT_SHIM="$<TARGET_FILE:faultshim>")
+set_target_properties(fault_tests PROPERTIES CROSSCOMPILING_EMULATOR
+                                             "${PROJECT_SOURCE_DIR}/box/test-in-box")
+add_dependencies(fault_tests kelm-trd faultshim)
+
+function(fault_group name filter)
+  add_test(NAME FaultTest.${name} COMMAND fault_tests --gtest_filter=${filter})
+  set_tests_properties(
+    FaultTest.${name}
+    PROPERTIES LABELS "box;faults"
+               TIMEOUT 600
+               SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]"
+               # No row means that the filter is wrong.
+               FAIL_REGULAR_EXPRESSION "Running 0 tests")
+endfunction()
+
+foreach(
+  failing
+  IsMissing
+  Fails
+  IsSilent
+  PrintsGarbage
+  PrintsTenMegabytes
+  LeavesItsLastLineWithoutAnEnd
+  IsSlow
+  HangsUntilItIsKilled
+  ClosesItsOutputEarly
+  LeavesAChildThatHoldsThePipe)
+  fault_group(ACommand${failing} Commands/*${failing})
+endforeach()
+
+foreach(write AFullDisk AReadOnlyFolder TheDescriptorLimit)
+  fault_group(${write}LosesNoSetting Writes/*${write})
+endforeach()
+
+foreach(
+  failing
+  IsMissing
+  IsEmpty
+  IsAFolder
+  IsAFifo
+  CannotBeRead
+  HasNoFinalLineFeed
+  IsBinary
+  IsTenMegabytes
+  ChangesWhileItIsRead
+  IsReplacedAgainAndAgain)
+  fault_group(AFile${failing} Files/*${failing})
+endforeach()
+fault_group(TheKernelsMemoryFigures MemoryFiles/*)
+
+foreach(
+  fault
+  TheDescriptorLimitIsReached
+  NoProcessCanBeStarted
+  TheInterfacesCannotBeListed
+  ThereAreHundredsOfInterfaces
+  TheClockIsSteppedBackAnHour
+  TheClockIsSteppedAheadAYearAndBack
+  TheTimeZoneChanges
+  TheNotificationFileIsRewrittenAllTheTime
+  UbusIsSlowWhileClientsRead)
+  fault_group(${fault} System/*${fault})
+endforeach()
+fault_group(StepsAndStops ShimTest.*)
+# A sanitizer's shadow memory is far beyond any limit.
+if(NOT KELM_SANITIZE)
+  fault_group(TheMemoryLimitIsNear System/*TheMemoryLimitIsNear)
+  fault_group(ALogThatDoesNotFitMemory MemoryLimitTest.*)
+endif()
+
+foreach(
+  case
+  AThousandCallsInFlightAreAllAnsweredEachWithItsOwn
+  EightClientsAtOnceLoseAndMixUpNothing
+  ClientsThatDieInTheMiddleOfTheirCallsHarmNobody
+  AClientThatNeverReadsItsRepliesHarmsNobody
+  EveryWrongSignatureIsRefusedWithAndWithoutAnInterface
+  AnyAddressIsTakenAsItIs
+  AnyTextIsKeptAsItIs
+  AfterTheBusWasRestartedANewDaemonServesWithTheOldSettings
+  TwoDaemonsAtOnceServeTheSameSettings)
+  fault_group(${case} ClientFaultTest.${case})
+endforeach()
+fault_group(InterruptsAtAnyMoment InterruptedFaultTest.*)
+fault_group(StartThreeCyclesStop WholeLifeTest.Start*)
+if(KELM_SANITIZE MATCHES address)
+  fault_group(ALeakWouldBeSeen WholeLifeTest.ALeak*)
+endif()

@@ -1,0 +1,207 @@
+#include "tests/box/FaultyLife.h"
+
+#include <algorithm>
+#include <csignal>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+
+#include "tests/support/Box.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr char kLastOfTheCycle[] = "Device.DeviceInfo.DeviceLog";
+constexpr char kUpTime[] = "Device.DeviceInfo.UpTime";
+constexpr char kNotifyFile[] = "/tmp/.easycwmp_notif_param_value";
+// Some faults hold a cycle up for half a minute, and sanitizers and emulators are slow.
+constexpr seconds kDeadline{120};
+
+constexpr seconds kTwoCycles{11};
+
+// One setting of each home that the daemon has for them.
+constexpr std::pair<const char*, const char*> kSettings[] = {
+    {"Device.Services.STBService.1.X_Kelm.Config.SyslogHost", "10.1.2.3"},
+    {"Device.DeviceInfo.ProvisioningCode", "code 17"},
+    {"Device.IP.Interface.1.Alias", "living room"},
+    {"Device.Services.STBService.1.ServiceMonitoring.SampleInterval", "77"},
+    {"Device.Services.STBService.1.ServiceMonitoring.MainStream.1.Enable", "1"},
+};
+
+// Ten megabytes pass through the daemon in several copies, and the C library keeps some of what is
+// freed; the address sanitizer keeps 256 MiB of it.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::size_t kMemoryBoundKiB = 1024 * 1024;
+#else
+constexpr std::size_t kMemoryBoundKiB = 128 * 1024;
+#endif
+
+// A failed step of a life; the life ends with it.
+[[noreturn]] void fail(const std::string& what) {
+    throw std::runtime_error(what);
+}
+
+bool waitUntil(const std::function<bool()>& condition) {
+    return box::waitUntil(condition, kDeadline);
+}
+
+// Does something again and again beside the test.
+class Repeating {
+  public:
+    explicit Repeating(std::function<void()> action)
+        : thread_([this, action = std::move(action)] {
+              while (!done_) {
+                  action();
+                  std::this_thread::sleep_for(milliseconds(100));
+              }
+          }) {}
+    ~Repeating() {
+        done_ = true;
+        thread_.join();
+    }
+    Repeating(const Repeating&) = delete;
+    Repeating& operator=(const Repeating&) = delete;
+
+  private:
+    std::atomic<bool> done_{false};
+    std::thread thread_;
+};
+
+}  // namespace
+
+FaultyLife::FaultyLife(const Script& script) {
+    try {
+        live(script);
+    } catch (const std::exception& error) {
+        complaint_ = error.what();
+    }
+    if (!complaint_.empty() && daemon_) complaint_ += "\n" + daemon_->output();
+}
+
+std::string FaultyLife::valueIn(const Tree& tree, const std::string& address) {
+    const auto found = tree.find(address);
+    return found == tree.end() ? "(none)" : found->second;
+}
+
+void FaultyLife::live(const Script& script) {
+    std::unique_ptr<Repeating> watchdog;
+    if (script.killHanging) {
+        watchdog = std::make_unique<Repeating>([this] { killHangingCommands(); });
+    }
+    script.spoilStart();
+    start(script.environment);
+    script.mendStart();
+    giveSettings();
+    before_ = readTree();
+    const Vitals baseline = vitalsOf(daemon_->pid());
+    script.spoil(daemon_->pid());
+    if (script.hidesCycles) {
+        std::this_thread::sleep_for(kTwoCycles);
+    } else {
+        waitForCycles(1);
+    }
+    script.underFaults(*client_);
+    readTree();
+    script.mend(daemon_->pid());
+    script.afterFaults(*client_);
+    waitForCycles(1);
+    after_ = readTree();
+    checkSettings();
+    checkVitals(baseline);
+    stop();
+}
+
+void FaultyLife::start(const Child::Environment& environment) {
+    bus_ = std::make_unique<PrivateBus>();
+    // The box's own commands only: what a table calls missing must not be found on the host.
+    Child::Environment complete{{"PATH", "/usr/bin"}};
+    complete.insert(complete.end(), environment.begin(), environment.end());
+    daemon_ = std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM},
+                                      "/tmp/daemon-output", complete);
+    client_ = std::make_unique<TrClient>(bus_->address());
+    client_->setTimeout(kDeadline);
+    const auto firstCycleIsOver = [this] {
+        const auto list = client_->listParametersOnly().list;
+        return std::find(list.begin(), list.end(), kLastOfTheCycle) != list.end();
+    };
+    if (!waitUntil(firstCycleIsOver)) fail("no first cycle");
+}
+
+void FaultyLife::giveSettings() {
+    for (const auto& [address, text] : kSettings) {
+        if (!client_->set(address, text).ok) fail(std::string("cannot set ") + address);
+    }
+    // A watched figure that changes in every cycle brings ubus into every cycle.
+    box::writeFile(kNotifyFile, std::string(R"({ "parameter": ")") + kUpTime +
+                                    R"(", "value": "", "notification": "2" })" + "\n");
+    if (!client_->updateNotifTable().ok) fail("cannot read the notification file");
+}
+
+void FaultyLife::checkSettings() {
+    for (const auto& [address, text] : kSettings) {
+        const std::string now = client_->getValue(address).text;
+        if (now != text) fail(std::string(address) + " was " + text + " and is " + now);
+    }
+}
+
+// Told by the up time, which the end of each cycle changes, or by the calls of netstat, one a
+// cycle: whichever the faults leave. A cycle under way does not count.
+void FaultyLife::waitForCycles(unsigned cycles) {
+    const std::size_t called = box::calls("netstat").size() + cycles + 1;
+    std::string upTime = client_->getValue(kUpTime).text;
+    unsigned changes = 0;
+    const auto looksDone = [&] {
+        const std::string now = client_->getValue(kUpTime).text;
+        if (now != upTime) ++changes;
+        upTime = now;
+        return changes > cycles || box::calls("netstat").size() > called || !daemon_->isRunning();
+    };
+    if (!waitUntil(looksDone)) fail("the cycles have stopped");
+    if (!daemon_->isRunning()) fail("the daemon has ended");
+}
+
+FaultyLife::Tree FaultyLife::readTree() {
+    const TrReply list = client_->listParametersOnly();
+    if (!list.ok) fail("no list: " + list.errorName);
+    Tree tree;
+    for (const std::string& address : list.list) {
+        const TrReply reply = client_->getValue(address);
+        if (!reply.ok) fail(address + ": " + reply.errorName + ", " + reply.errorText);
+        tree[address] = reply.text;
+    }
+    return tree;
+}
+
+void FaultyLife::checkVitals(const Vitals& baseline) {
+    Vitals now;
+    const auto isAsBefore = [&] {
+        now = vitalsOf(daemon_->pid());
+        // Between two cycles; a cycle's own command and its pipe are gone in a moment.
+        return now.threads == baseline.threads && now.descriptors == baseline.descriptors &&
+               now.children == 0;
+    };
+    if (!waitUntil(isAsBefore) || now.residentKiB > baseline.residentKiB + kMemoryBoundKiB) {
+        std::ostringstream text;
+        text << "before: " << baseline << "; after: " << now;
+        fail(text.str());
+    }
+}
+
+void FaultyLife::stop() {
+    daemon_->send(SIGINT);
+    const auto end = daemon_->waitForEnd(kDeadline);
+    std::ostringstream text;
+    if (!end) fail("the daemon does not stop");
+    text << "the daemon ended with " << *end;
+    if (!(*end == ExitStatus{})) fail(text.str());
+}
+
+void FaultyLife::killHangingCommands() const {
+    if (!daemon_) return;
+    for (const pid_t pid : descendantsOf(daemon_->pid())) {
+        const std::string words = box::readFile("/proc/" + std::to_string(pid) + "/cmdline");
+        if (words.find("1000000") != std::string::npos) kill(pid, SIGKILL);
+    }
+}

@@ -1,0 +1,249 @@
+// What the system below the daemon can do to it: limits, clocks, interfaces, a client that is busy.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/box/DaemonTest.h"
+#include "tests/box/FaultyLife.h"
+#include "tests/box/Shim.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+constexpr char kUpTime[] = "Device.DeviceInfo.UpTime";
+constexpr char kNotifyFile[] = "/tmp/.easycwmp_notif_param_value";
+constexpr int kManyInterfaces = 200;
+
+void setLimit(pid_t pid, int resource, rlim_t value) {
+    rlimit limit{};
+    const auto which = static_cast<__rlimit_resource>(resource);
+    if (prlimit(pid, which, nullptr, &limit) != 0) throw std::runtime_error("no limit to be read");
+    limit.rlim_cur = std::min(value, limit.rlim_max);
+    if (prlimit(pid, which, &limit, nullptr) != 0) throw std::runtime_error("no limit to be set");
+}
+
+rlim_t addressSpaceOf(pid_t pid) {
+    std::ifstream statm("/proc/" + std::to_string(pid) + "/statm");
+    rlim_t pages = 0;
+    statm >> pages;
+    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+}
+
+// Stops whatever a row finds wrong from being taken for a setting that was lost.
+void require(bool condition, const char* what) {
+    if (!condition) throw std::runtime_error(what);
+}
+
+// The real client removes its file and writes it anew, line by line, and says so in between.
+class RewrittenNotificationFile {
+  public:
+    RewrittenNotificationFile()
+        : content_(box::readFile(kNotifyFile)), thread_([this] {
+              while (!done_) rewrite();
+          }) {}
+    ~RewrittenNotificationFile() {
+        done_ = true;
+        thread_.join();
+        box::writeFile(kNotifyFile, content_);
+    }
+    RewrittenNotificationFile(const RewrittenNotificationFile&) = delete;
+    RewrittenNotificationFile& operator=(const RewrittenNotificationFile&) = delete;
+
+  private:
+    static void rewrite() {
+        std::filesystem::remove(kNotifyFile);
+        std::ofstream file(kNotifyFile);
+        for (int row = 0; row < 200; ++row) {
+            file << R"({ "parameter": ")" << kUpTime << row << R"(", "value": "x)" << std::flush
+                 << R"(", "notification": "2", "type": "xsd:string" })" << '\n';
+        }
+    }
+
+    const std::string content_;
+    std::atomic<bool> done_{false};
+    std::thread thread_;
+};
+
+void readTheTableAgainAndAgain(TrClient& client) {
+    const RewrittenNotificationFile rewritten;
+    for (int i = 0; i < 2000; ++i) {
+        require(client.updateNotifTable().ok, "the table cannot be read");
+        require(client.checkValueChange().ok, "the changes cannot be fetched");
+    }
+}
+
+// Reads must get through while ubus holds the cycle up: the store is not locked then.
+void readWhileUbusIsSlow(TrClient& client) {
+    box::clearCalls("ubus");
+    require(box::waitUntil([] { return !box::calls("ubus").empty(); }), "ubus is not called");
+    for (int i = 0; i < 200; ++i) require(client.getValue(kUpTime).ok, "a read fails");
+    require(std::system("pgrep -f 'ubus -t 1' >/dev/null") == 0, "the reads waited for ubus");
+}
+
+void readTheZones(TrClient& client) {
+    require(client.getValue(kUpTime).ok, "a read fails");
+}
+
+void forInterfaces(const char* action) {
+    std::ofstream batch("/tmp/interfaces");
+    for (int i = 10; i < 10 + kManyInterfaces; ++i) {
+        if (std::string(action) == "add") {
+            batch << "link add eth" << i << " type veth peer name many" << i << "\n";
+        } else {
+            batch << "link del eth" << i << "\n";
+        }
+    }
+    batch.close();
+    require(std::system("ip -batch /tmp/interfaces") == 0, "no interfaces");
+}
+
+void expectManyInterfaces(TrClient& client) {
+    const std::string last = "Device.IP.Interface." + std::to_string(kManyInterfaces + 2) + ".Name";
+    require(client.getValue(last).text == "wlan0", "the interfaces are not all there");
+}
+
+struct Row {
+    const char* name;
+    std::function<void(pid_t)> spoil;
+    std::function<void(pid_t)> mend;
+    std::function<void(TrClient&)> underFaults = [](TrClient&) {};
+    bool isForSanitizers = true;
+    bool isShimmed = false;
+    bool hidesCycles = false;
+};
+
+std::vector<Row> rows() {
+    const auto none = [](pid_t) {};
+    return {
+        {"TheDescriptorLimitIsReached", [](pid_t pid) { setLimit(pid, RLIMIT_NOFILE, 3); },
+         [](pid_t pid) { setLimit(pid, RLIMIT_NOFILE, 1024); }, [](TrClient&) {}, true, false,
+         true},
+        // A sanitizer's shadow memory is far beyond any limit.
+        {"TheMemoryLimitIsNear",
+         [](pid_t pid) { setLimit(pid, RLIMIT_AS, addressSpaceOf(pid) + 65536); },
+         [](pid_t pid) { setLimit(pid, RLIMIT_AS, RLIM_INFINITY); }, [](TrClient&) {}, false},
+        {"NoProcessCanBeStarted", [](pid_t) { shim::set("no-processes", ""); },
+         [](pid_t) { shim::clear("no-processes"); }, [](TrClient&) {}, true, true},
+        {"TheInterfacesCannotBeListed", [](pid_t) { shim::set("no-interfaces", ""); },
+         [](pid_t) { shim::clear("no-interfaces"); }, [](TrClient&) {}, true, true},
+        {"ThereAreHundredsOfInterfaces", [](pid_t) { forInterfaces("add"); },
+         [](pid_t) { forInterfaces("del"); }, expectManyInterfaces},
+        {"TheClockIsSteppedBackAnHour", [](pid_t) { shim::set("clock", "-3600"); },
+         [](pid_t) { shim::set("clock", "0"); }, [](TrClient&) {}, true, true},
+        {"TheClockIsSteppedAheadAYearAndBack", [](pid_t) { shim::set("clock", "31536000"); },
+         [](pid_t) { shim::set("clock", "0"); }, [](TrClient&) {}, true, true},
+        {"TheTimeZoneChanges",
+         [](pid_t) {
+             std::filesystem::rename("/etc/localtime", "/etc/localtime.away");
+             std::filesystem::create_symlink("/usr/share/zoneinfo/Asia/Kolkata", "/etc/localtime");
+         },
+         [](pid_t) { std::filesystem::rename("/etc/localtime.away", "/etc/localtime"); },
+         readTheZones},
+        {"TheNotificationFileIsRewrittenAllTheTime", none, none, readTheTableAgainAndAgain},
+        {"UbusIsSlowWhileClientsRead", [](pid_t) { box::setFault("ubus", "slow 3"); },
+         [](pid_t) { box::setFault("ubus", ""); }, readWhileUbusIsSlow},
+    };
+}
+
+std::ostream& operator<<(std::ostream& stream, const Row& row) {
+    return stream << row.name;
+}
+
+class SystemFaultTest : public ::testing::TestWithParam<Row> {};
+
+TEST_P(SystemFaultTest, AndTheDaemonLivesOn) {
+    const Row& row = GetParam();
+    if (kIsSanitized && !row.isForSanitizers) {
+        GTEST_SKIP() << "a sanitizer needs more address space than any limit";
+    }
+    FaultyLife::Script script;
+    script.spoil = row.spoil;
+    script.mend = row.mend;
+    script.underFaults = row.underFaults;
+    script.afterFaults = [](TrClient& client) { client.updateNotifTable(); };
+    script.hidesCycles = row.hidesCycles;
+    if (row.isShimmed) script.environment = shim::environment();
+    const FaultyLife life(script);
+    EXPECT_EQ(life.complaint(), "");
+    EXPECT_EQ(life.after("Device.IP.Interface.1.Name"), "eth0");
+    EXPECT_EQ(life.after("Device.IP.Interface.1.IPv4Address.1.IPAddress"), "192.168.1.20");
+}
+
+INSTANTIATE_TEST_SUITE_P(System, SystemFaultTest, ::testing::ValuesIn(rows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+class ShimTest : public DaemonTest {
+  protected:
+    void SetUp() override {
+        startBus();
+        launch(shim::environment());
+        waitForFirstCycle();
+    }
+    void TearDown() override { std::filesystem::remove_all(shim::kFolder); }
+};
+
+// The stop has a thread of its own, for which there is none to be had.
+TEST_F(ShimTest, TheDaemonStopsInOrderWhereNoThreadCanBeStarted) {
+    shim::set("no-processes", "");
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+TEST_F(ShimTest, TheDaemonStopsInOrderAfterTheClockWasSteppedBack) {
+    shim::set("clock", "-3600");
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+TEST_F(ShimTest, TheClocksOfTheBoxAreFollowedThroughManySteps) {
+    for (const char* offset : {"-60", "-3600", "2000000000", "0"}) {
+        shim::set("clock", offset);
+        const std::string upTime = value(kUpTime);
+        ASSERT_TRUE(box::waitUntil([&] { return value(kUpTime) != upTime; })) << offset;
+    }
+}
+
+class MemoryLimitTest : public DaemonTest {};
+
+// What cannot be had in the middle of a cycle ends the worker, and a daemon without one is to be
+// started afresh: it ends in order, with the status that tells its supervisor so.
+TEST_F(MemoryLimitTest, ALogThatDoesNotFitIsLivedWithOrEndsTheDaemonInOrder) {
+    if (kIsSanitized) GTEST_SKIP() << "a sanitizer needs more address space than any limit";
+    start();
+    setLimit(daemon().pid(), RLIMIT_AS, addressSpaceOf(daemon().pid()) + (4U << 20));
+    box::writeFile("/tmp/syslog", std::string(10U << 20, 'x'));
+    const std::string upTime = value(kUpTime);
+    box::waitUntil([&] { return !daemon().isRunning() || value(kUpTime) != upTime; });
+    if (daemon().isRunning()) {
+        setLimit(daemon().pid(), RLIMIT_AS, RLIM_INFINITY);
+        expectAnswers();
+        daemon().send(SIGINT);
+        expectEnd({0, 0});
+    } else {
+        expectEnd({1, 0});
+        EXPECT_TRUE(logHas("ERROR"));
+    }
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+#include "tests/box/Vitals.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <ostream>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string folderOf(pid_t pid) {
+    return "/proc/" + std::to_string(pid);
+}
+
+std::size_t entriesOf(const std::string& folder) {
+    std::error_code error;
+    const fs::directory_iterator entries(folder, error);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+std::vector<pid_t> childrenOf(pid_t pid) {
+    std::vector<pid_t> children;
+    std::error_code error;
+    for (const auto& thread : fs::directory_iterator(folderOf(pid) + "/task", error)) {
+        std::ifstream list(thread.path() / "children");
+        for (pid_t child = 0; list >> child;) children.push_back(child);
+    }
+    return children;
+}
+
+std::size_t residentKiBOf(pid_t pid) {
+    std::ifstream statm(folderOf(pid) + "/statm");
+    std::size_t total = 0, resident = 0;
+    statm >> total >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
+}
+
+}  // namespace
+
+Vitals vitalsOf(pid_t pid) {
+    return {entriesOf(folderOf(pid) + "/task"), entriesOf(folderOf(pid) + "/fd"),
+            childrenOf(pid).size(), residentKiBOf(pid)};
+}
+
+std::ostream& operator<<(std::ostream& stream, const Vitals& vitals) {
+    return stream << vitals.threads << " threads, " << vitals.descriptors << " descriptors, "
+                  << vitals.children << " children, " << vitals.residentKiB << " KiB";
+}
+
+std::vector<pid_t> descendantsOf(pid_t pid) {
+    std::vector<pid_t> all = childrenOf(pid);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const std::vector<pid_t> next = childrenOf(all[i]);
+        all.insert(all.end(), next.begin(), next.end());
+    }
+    return all;
+}

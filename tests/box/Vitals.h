@@ -1,0 +1,20 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <iosfwd>
+#include <vector>
+
+/// What a process holds of the system, as /proc shows it; all 0 when it has ended.
+struct Vitals {
+    std::size_t threads = 0;
+    std::size_t descriptors = 0;
+    std::size_t children = 0;
+    std::size_t residentKiB = 0;
+};
+Vitals vitalsOf(pid_t pid);
+std::ostream& operator<<(std::ostream& stream, const Vitals& vitals);
+
+/// Its children, their children and so on.
+std::vector<pid_t> descendantsOf(pid_t pid);

@@ -1,0 +1,110 @@
+// Settings that cannot be written: the old one stays, and the next one can be written again when
+// the fault is gone.
+
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+#include <ostream>
+#include <string>
+
+#include "tests/box/DaemonTest.h"
+#include "tests/box/Vitals.h"
+
+namespace {
+
+const std::string kHost = "Device.Services.STBService.1.X_Kelm.Config.SyslogHost";
+const std::string kZone = "Device.Services.STBService.1.X_Kelm.Config.TimeZone";
+const std::string kFolder = "/var/kelm/";
+const std::string kFiller = kFolder + "filler";
+
+// Fills the folder's small file system to its last byte.
+void fill() {
+    for (std::size_t size = 65536; size > 0; size /= 2) {
+        while (true) {
+            const std::string old = box::readFile(kFiller);
+            box::writeFile(kFiller, old + std::string(size, 'f'));
+            if (box::readFile(kFiller).size() < old.size() + size) break;
+        }
+    }
+}
+
+void setReadOnly(bool isReadOnly) {
+    const unsigned long flags = MS_REMOUNT | (isReadOnly ? MS_RDONLY : 0);
+    ASSERT_EQ(mount("none", kFolder.c_str(), "tmpfs", flags, nullptr), 0);
+}
+
+// Beyond what the daemon has open just now there is nothing to be had.
+void limitDescriptors(pid_t daemon, bool isLimited) {
+    rlimit limit{};
+    ASSERT_EQ(prlimit(daemon, RLIMIT_NOFILE, nullptr, &limit), 0);
+    limit.rlim_cur = isLimited ? 3 : limit.rlim_max;
+    ASSERT_EQ(prlimit(daemon, RLIMIT_NOFILE, &limit, nullptr), 0);
+}
+
+struct Row {
+    const char* name;
+    void (*spoil)(pid_t daemon);
+    void (*mend)(pid_t daemon);
+};
+
+const Row kRows[] = {
+    {"AFullDisk", [](pid_t) { fill(); }, [](pid_t) { unlink(kFiller.c_str()); }},
+    {"AReadOnlyFolder", [](pid_t) { setReadOnly(true); }, [](pid_t) { setReadOnly(false); }},
+    {"TheDescriptorLimit", [](pid_t daemon) { limitDescriptors(daemon, true); },
+     [](pid_t daemon) { limitDescriptors(daemon, false); }},
+};
+
+std::ostream& operator<<(std::ostream& stream, const Row& row) {
+    return stream << row.name;
+}
+
+std::string nameOf(const ::testing::TestParamInfo<Row>& info) {
+    return info.param.name;
+}
+
+class WriteFaultTest : public DaemonTest, public ::testing::WithParamInterface<Row> {
+  protected:
+    void SetUp() override {
+        ASSERT_EQ(mount("none", kFolder.c_str(), "tmpfs", 0, "size=64k"), 0);
+        startBus();
+        launch();
+        connect();
+        ASSERT_TRUE(box::waitUntil([this] { return client().getWritable(kHost).text == "1"; }));
+        ASSERT_TRUE(client().set(kHost, "10.1.2.3").ok);
+        ASSERT_TRUE(client().set(kZone, "MSK-3").ok);
+    }
+};
+
+TEST_P(WriteFaultTest, LosesNoSetting) {
+    const Vitals before = vitalsOf(daemon().pid());
+    GetParam().spoil(daemon().pid());
+    // Neither larger nor smaller nor deleted may it be lost; what fits on a full disk may be new.
+    for (int round = 0; round < 10; ++round) {
+        EXPECT_TRUE(client().set(kHost, std::string(100'000, 'x')).ok);
+        EXPECT_TRUE(client().set(kZone, "CET-1CEST").ok);
+        EXPECT_TRUE(client()
+                        .set("Device.Services.STBService.1.X_Kelm.Config.UpdateType",
+                             std::string(8000, 'y'))
+                        .ok);
+    }
+    GetParam().mend(daemon().pid());
+    EXPECT_EQ(value(kHost), "10.1.2.3");
+    const std::string zone = value(kZone);
+    EXPECT_TRUE(zone == "MSK-3" || zone == "CET-1CEST") << zone;
+    EXPECT_EQ(value("Device.Services.STBService.1.X_Kelm.Config.UpdateType"), "");
+    EXPECT_TRUE(client().set(kHost, "10.9.9.9").ok);
+    EXPECT_EQ(value(kHost), "10.9.9.9");
+    EXPECT_TRUE(
+        box::waitUntil([&] { return vitalsOf(daemon().pid()).descriptors == before.descriptors; }));
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+INSTANTIATE_TEST_SUITE_P(Writes, WriteFaultTest, ::testing::ValuesIn(kRows), nameOf);
+
+}  // namespace
