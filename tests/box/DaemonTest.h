@@ -21,7 +21,8 @@ class DaemonTest : public ::testing::Test {
     void start(const std::string& limits = "");
     void connect();
     void waitForFirstCycle();
-    /// Waits until that many cycles have begun and ended from here on; told by the calls of ps, two a cycle.
+    /// Waits until that many cycles have begun and ended from here on; told by the calls of ps, two
+    /// a cycle.
     void waitForCycles(std::size_t count);
 
     Child& daemon() { return *daemon_; }
