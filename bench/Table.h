@@ -6,7 +6,7 @@
 /// what the value was made of.
 namespace bench {
 
-/// A figure that is to stay at or below \p limit.
+/// A figure that is to stay at or below \p limit, in hundredths, as it is shown.
 void reportAtMost(const std::string& figure, double value, double limit, const std::string& note);
 /// A figure without a target; \p value comes with its unit.
 void report(const std::string& figure, const std::string& value, const std::string& note);
