@@ -98,7 +98,7 @@ class AllProviders {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    const std::size_t cycles = argumentCount > 1 ? std::strtoull(arguments[1], nullptr, 10) : 10000;
+    const std::size_t cycles = argumentCount > 1 ? std::strtoul(arguments[1], nullptr, 10) : 10000;
     makeCommandsFast();
     AllProviders providers;
     FlatCheck check("cycles");
