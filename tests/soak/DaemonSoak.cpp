@@ -145,7 +145,7 @@ bool stop(Child& daemon) {
 
 int main(int argumentCount, char** arguments) {
     const double minutes = argumentCount > 1 ? std::atof(arguments[1]) : 30;
-    const std::size_t clients = argumentCount > 2 ? std::strtoull(arguments[2], nullptr, 10) : 4;
+    const std::size_t clients = argumentCount > 2 ? std::strtoul(arguments[2], nullptr, 10) : 4;
     box::writeFile(
         "/tmp/.easycwmp_notif_param_value",
         R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
