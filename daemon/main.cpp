@@ -70,11 +70,13 @@ void waitForEnd() {
 
 // The system log comes and goes by the megabyte. Left alone, the C library takes such blocks from
 // the heap once it has seen one freed, where they leave holes of their size for good. What a long
-// list took, on the other hand, is kept for the next one: fetching it anew costs more than the list.
+// list took, on the other hand, is kept for the next one: fetching it anew costs more than the
+// list.
 void setUpHeap() {
 #ifdef M_MMAP_THRESHOLD
+    // Before any thread is started; NOLINTNEXTLINE(concurrency-mt-unsafe)
     mallopt(M_MMAP_THRESHOLD, kOwnMappingBytes);
-    mallopt(M_TRIM_THRESHOLD, kKeptHeapBytes);
+    mallopt(M_TRIM_THRESHOLD, kKeptHeapBytes);  // NOLINT(concurrency-mt-unsafe)
 #endif
 }
 
