@@ -52,7 +52,7 @@ class ClientFaultTest : public DaemonTest {
         // Bounds of the bus are not what is tried here.
         start("<limit name=\"max_replies_per_connection\">50000</limit>");
         ASSERT_TRUE(client().set(kConfig + "SyslogHost", "10.1.2.3").ok);
-        before_ = vitalsOf(daemon().pid());
+        before_ = quietVitalsOf(daemon().pid());
     }
 
     // What every fault has to leave behind: a daemon that answers, holds what it held and stops in
@@ -63,7 +63,7 @@ class ClientFaultTest : public DaemonTest {
         EXPECT_EQ(value(kConfig + "SyslogHost"), "10.1.2.3");
         Vitals now;
         EXPECT_TRUE(box::waitUntil([&] {
-            now = vitalsOf(daemon().pid());
+            now = quietVitalsOf(daemon().pid());
             return now.threads == before_.threads && now.descriptors == before_.descriptors &&
                    now.children == 0;
         })) << before_
@@ -339,7 +339,7 @@ TEST_F(ClientFaultTest, AfterTheBusWasRestartedANewDaemonServesWithTheOldSetting
     launch();
     waitForFirstCycle();
     EXPECT_EQ(value(kCode), "code 17");
-    before_ = vitalsOf(daemon().pid());
+    before_ = quietVitalsOf(daemon().pid());
 }
 
 TEST_F(ClientFaultTest, TwoDaemonsAtOnceServeTheSameSettings) {

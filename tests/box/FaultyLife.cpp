@@ -95,7 +95,7 @@ void FaultyLife::live(const Script& script) {
     script.mendStart();
     giveSettings();
     before_ = readTree();
-    const Vitals baseline = vitalsOf(daemon_->pid());
+    const Vitals baseline = quietVitalsOf(daemon_->pid());
     script.spoil(daemon_->pid());
     if (script.hidesCycles) {
         std::this_thread::sleep_for(kTwoCycles);
@@ -120,6 +120,7 @@ void FaultyLife::start(const Child::Environment& environment) {
     complete.insert(complete.end(), environment.begin(), environment.end());
     daemon_ = std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM},
                                       "/tmp/daemon-output", complete);
+    daemonPid_ = daemon_->pid();
     client_ = std::make_unique<TrClient>(bus_->address());
     client_->setTimeout(kDeadline);
     const auto firstCycleIsOver = [this] {
@@ -177,8 +178,7 @@ FaultyLife::Tree FaultyLife::readTree() {
 void FaultyLife::checkVitals(const Vitals& baseline) {
     Vitals now;
     const auto isAsBefore = [&] {
-        now = vitalsOf(daemon_->pid());
-        // Between two cycles; a cycle's own command and its pipe are gone in a moment.
+        now = quietVitalsOf(daemon_->pid());
         return now.threads == baseline.threads && now.descriptors == baseline.descriptors &&
                now.children == 0;
     };
@@ -199,8 +199,9 @@ void FaultyLife::stop() {
 }
 
 void FaultyLife::killHangingCommands() const {
-    if (!daemon_) return;
-    for (const pid_t pid : descendantsOf(daemon_->pid())) {
+    const pid_t daemon = daemonPid_;
+    if (daemon == 0) return;
+    for (const pid_t pid : descendantsOf(daemon)) {
         const std::string words = box::readFile("/proc/" + std::to_string(pid) + "/cmdline");
         if (words.find("1000000") != std::string::npos) kill(pid, SIGKILL);
     }

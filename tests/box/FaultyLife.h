@@ -64,6 +64,7 @@ class FaultyLife {
     std::unique_ptr<PrivateBus> bus_;
     std::unique_ptr<Child> daemon_;
     std::unique_ptr<TrClient> client_;
+    std::atomic<pid_t> daemonPid_{0};  ///< for the watchdog's thread
     std::string complaint_;
     Tree before_;
     Tree after_;

@@ -2,11 +2,14 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <ostream>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -44,6 +47,20 @@ std::size_t residentKiBOf(pid_t pid) {
 Vitals vitalsOf(pid_t pid) {
     return {entriesOf(folderOf(pid) + "/task"), entriesOf(folderOf(pid) + "/fd"),
             childrenOf(pid).size(), residentKiBOf(pid)};
+}
+
+Vitals quietVitalsOf(pid_t pid) {
+    constexpr int kLooks = 20;
+    Vitals quietest = vitalsOf(pid);
+    for (int look = 0; look < kLooks; ++look) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        const Vitals now = vitalsOf(pid);
+        quietest.threads = std::min(quietest.threads, now.threads);
+        quietest.descriptors = std::min(quietest.descriptors, now.descriptors);
+        quietest.children = std::min(quietest.children, now.children);
+        quietest.residentKiB = now.residentKiB;
+    }
+    return quietest;
 }
 
 std::ostream& operator<<(std::ostream& stream, const Vitals& vitals) {

@@ -14,6 +14,9 @@ struct Vitals {
     std::size_t residentKiB = 0;
 };
 Vitals vitalsOf(pid_t pid);
+/// The same at rest: without what it holds for the moment only, a command's pipe or a file that it
+/// reads.
+Vitals quietVitalsOf(pid_t pid);
 std::ostream& operator<<(std::ostream& stream, const Vitals& vitals);
 
 /// Its children, their children and so on.

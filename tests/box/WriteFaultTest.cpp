@@ -81,7 +81,7 @@ class WriteFaultTest : public DaemonTest, public ::testing::WithParamInterface<R
 };
 
 TEST_P(WriteFaultTest, LosesNoSetting) {
-    const Vitals before = vitalsOf(daemon().pid());
+    const Vitals before = quietVitalsOf(daemon().pid());
     GetParam().spoil(daemon().pid());
     // Neither larger nor smaller nor deleted may it be lost; what fits on a full disk may be new.
     for (int round = 0; round < 10; ++round) {
@@ -99,8 +99,8 @@ TEST_P(WriteFaultTest, LosesNoSetting) {
     EXPECT_EQ(value("Device.Services.STBService.1.X_Kelm.Config.UpdateType"), "");
     EXPECT_TRUE(client().set(kHost, "10.9.9.9").ok);
     EXPECT_EQ(value(kHost), "10.9.9.9");
-    EXPECT_TRUE(
-        box::waitUntil([&] { return vitalsOf(daemon().pid()).descriptors == before.descriptors; }));
+    EXPECT_TRUE(box::waitUntil(
+        [&] { return quietVitalsOf(daemon().pid()).descriptors == before.descriptors; }));
     daemon().send(SIGINT);
     expectEnd({0, 0});
 }

@@ -29,12 +29,10 @@
 
 namespace {
 
+// The next one in the order of loading: a sanitizer's, or the C library's newest.
 template <typename Function>
-Function real(const char* name, const char* version = nullptr) {
-    // Some functions have an older namesake that dlsym() may prefer.
-    void* symbol = version == nullptr ? nullptr : dlvsym(RTLD_NEXT, name, version);
-    if (symbol == nullptr) symbol = dlsym(RTLD_NEXT, name);
-    return reinterpret_cast<Function>(symbol);
+Function real(const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
 bool isSet(const char* file) {
@@ -120,7 +118,7 @@ time_t time(time_t* result) noexcept {
 // without the mutex can be missed, just as one that comes before the wait.
 int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* end) {
     static const auto wait = real<int (*)(pthread_cond_t*, pthread_mutex_t*, const timespec*)>(
-        KELM_REAL_NAME("pthread_cond_timedwait", "__pthread_cond_timedwait64"), "GLIBC_2.3.2");
+        KELM_REAL_NAME("pthread_cond_timedwait", "__pthread_cond_timedwait64"));
     while (true) {
         const timespec realEnd = shifted(*end, -clockOffset());
         const timespec slice = soon();

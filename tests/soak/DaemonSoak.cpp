@@ -99,16 +99,6 @@ void writeLog(const std::atomic<bool>& done) {
     }
 }
 
-// Between two commands: while one runs the daemon holds a pipe and a child more.
-Vitals quietVitals(pid_t pid) {
-    Vitals vitals;
-    box::waitUntil([&] {
-        vitals = vitalsOf(pid);
-        return vitals.children == 0;
-    });
-    return vitals;
-}
-
 bool run(Child& daemon, const std::string& bus, double minutes, std::size_t clients) {
     Counts counts;
     std::atomic<bool> done{false};
@@ -123,7 +113,7 @@ bool run(Child& daemon, const std::string& bus, double minutes, std::size_t clie
         const auto at = milliseconds(static_cast<long long>(minutes * 60'000 * sample / kSamples));
         std::this_thread::sleep_until(start + at);
         check.add(
-            static_cast<std::size_t>(at.count() / 1000), quietVitals(daemon.pid()),
+            static_cast<std::size_t>(at.count() / 1000), quietVitalsOf(daemon.pid()),
             std::to_string(counts.calls) + " calls, " + std::to_string(counts.mistakes) + " wrong");
     }
     done = true;
