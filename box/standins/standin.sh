@@ -61,6 +61,26 @@ fail() { # fail KIND [NUMBER] -- ARGUMENT...
     esac
 }
 
+# What the command said in the box that the snapshot is of. What it was not asked there cannot be
+# told, but for uci and ubus, whose own stand-ins take what the daemon or its client sets.
+replay() {
+    local answer line
+    for answer in "/run/kelm-box/replay/$name"/*; do
+        line=
+        [ ! -e "$answer/call" ] || read -r line <"$answer/call"
+        if [ "$line" = "$name${1+ $*}" ]; then
+            cat "$answer/output"
+            cat "$answer/errors" >&2
+            read -r line <"$answer/status"
+            exit "$line"
+        fi
+    done
+    case $name in
+        uci | ubus) ;;
+        *) echo "$name: the snapshot does not have the answer to this call" >&2 && exit 1 ;;
+    esac
+}
+
 if [ -z "${KELM_STANDIN_INNER-}" ]; then
     log_call "$@"
     if [ -e "/run/kelm-box/fault/$name" ]; then
@@ -70,4 +90,8 @@ if [ -z "${KELM_STANDIN_INNER-}" ]; then
             fail "$kind" ${number:+"$number"} -- "$@"
         fi
     fi
+fi
+
+if [ -d /run/kelm-box/replay ]; then
+    replay "$@"
 fi
