@@ -1,12 +1,12 @@
-# kelm_gtest(NAME name SOURCES files... LIBS libraries... [BOX]): one GoogleTest program, each case its own
-# CTest test. With BOX every case is started in a virtual box of its own (box/box), so that it may touch the
+# kelm_gtest(NAME name SOURCES files... LIBS libraries... [BOX] [LABEL label]): one GoogleTest program, each case
+# its own CTest test. With BOX every case is started in a virtual box of its own (box/box), so that it may touch the
 # daemon's fixed paths; a host that cannot make one reports those cases as skipped, with the reason. A
 # cross-compiled program is started through the toolchain's emulator, in the box as well.
 include(GoogleTest)
 find_package(GTest REQUIRED)
 
 function(kelm_gtest)
-  cmake_parse_arguments(T "BOX" "NAME" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(T "BOX" "NAME;LABEL" "SOURCES;LIBS" ${ARGN})
   add_executable(${T_NAME} ${T_SOURCES})
   target_link_libraries(${T_NAME} PRIVATE ${T_LIBS} GTest::gtest GTest::gtest_main kelm_warnings)
   target_include_directories(${T_NAME} PRIVATE ${PROJECT_SOURCE_DIR})
@@ -19,6 +19,9 @@ function(kelm_gtest)
       list(APPEND launcher ${CMAKE_CROSSCOMPILING_EMULATOR} --)
     endif()
     set_target_properties(${T_NAME} PROPERTIES CROSSCOMPILING_EMULATOR "${launcher}")
+  endif()
+  if(T_LABEL)
+    set(labels ${T_LABEL})
   endif()
   gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 300)
 endfunction()

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <fstream>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "box/client/TrClient.h"
+#include "tests/box/HostBoxTest.h"
 #include "tests/support/Box.h"
 #include "tests/support/Child.h"
 
@@ -21,52 +21,8 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-const std::string kBox = KELM_BOX_FOLDER "/box";
-constexpr int kRefused = 77;
-
-class BoxTest : public ::testing::Test {
+class BoxTest : public HostBoxTest {
   protected:
-    struct Result {
-        ExitStatus end;
-        std::string output;  // standard output and standard error
-    };
-
-    BoxTest() {
-        std::string name = fs::temp_directory_path() / "box_test.XXXXXX";
-        folder_ = mkdtemp(name.data());
-    }
-    ~BoxTest() override { fs::remove_all(folder_); }
-
-    void SetUp() override {
-        const Result boot = run({kBox, "--", "true"});
-        if (boot.end.code == kRefused) GTEST_SKIP() << boot.output;
-        ASSERT_EQ(boot.end, ExitStatus{}) << boot.output;
-    }
-
-    // Never with a terminal: a box treats Ctrl-C differently then.
-    static std::vector<std::string> withoutTerminal(std::vector<std::string> command) {
-        command.insert(command.begin(), {"sh", "-c", R"(exec "$@" </dev/null)", "sh"});
-        return command;
-    }
-
-    Result run(const std::vector<std::string>& command,
-               const Child::Environment& environment = {}) {
-        const std::string file = folder_ + "/output" + std::to_string(++runs_);
-        Child child(withoutTerminal(command), file, environment);
-        const auto end = child.waitForEnd();
-        return {end.value_or(ExitStatus{-1, 0}), box::readFile(file)};
-    }
-
-    // A shell script in a box; its output without the last newline, as $(...) would have it.
-    std::string inBox(const std::string& script, const std::vector<std::string>& options = {}) {
-        std::vector<std::string> command{kBox};
-        command.insert(command.end(), options.begin(), options.end());
-        command.insert(command.end(), {"--", "sh", "-c", script});
-        std::string output = run(command).output;
-        if (!output.empty() && output.back() == '\n') output.pop_back();
-        return output;
-    }
-
     // The processes of the host with this word in their command line, zombies left aside.
     static int processesWith(const std::string& word) {
         int count = 0;
@@ -78,7 +34,7 @@ class BoxTest : public ::testing::Test {
     }
 
     // A word that no other process on the machine has in its command line.
-    std::string marker() const { return "marker=" + folder_; }
+    std::string marker() const { return "marker=" + folder(); }
 
     // A box that runs until somebody ends it; a shell heeds SIGINT at once only in `wait`.
     std::vector<std::string> endlessBox(const std::string& options = "--bus") const {
@@ -89,12 +45,6 @@ class BoxTest : public ::testing::Test {
     void expectNothingLeft() {
         EXPECT_TRUE(box::waitUntil([this] { return processesWith(marker()) == 0; }, 5s));
     }
-
-    const std::string& folder() const { return folder_; }
-
-  private:
-    std::string folder_;
-    int runs_ = 0;
 };
 
 class BoxEndTest : public BoxTest, public ::testing::WithParamInterface<int> {};

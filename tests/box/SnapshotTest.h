@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/box/HostBoxTest.h"
+
+/// Runs kelm-trd-snapshot in a virtual box and looks into what it has made, on the host.
+class SnapshotTest : public HostBoxTest {
+  protected:
+    /// What a script in a box finds: the test's folder as $OUT, writable, the programs of this
+    /// build below $PROGRAMS, and the collector as $SNAPSHOT.
+    std::vector<std::string> options() const;
+    /// Runs the script in a box, then the collector with these arguments and the archive's name.
+    Result take(const std::string& script, const std::string& arguments = "");
+    /// Runs the script in a box that the archive is replayed in.
+    Result replay(const std::string& script);
+
+    std::string archive() const { return folder() + "/box.tar.gz"; }
+    /// What the archive holds, after its unpacking by take().
+    std::string unpacked() const { return folder() + "/unpacked/kelm-trd-snapshot"; }
+    std::string file(const std::string& path) const;
+    /// The whole line of the index that ends with this name, but for the time; empty without one.
+    std::string indexLine(const std::string& name) const;
+    std::string state(const std::string& name) const;
+    /// The files of the archive that hold these bytes.
+    std::vector<std::string> filesWith(const std::string& bytes) const;
+};
