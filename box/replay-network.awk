@@ -1,8 +1,10 @@
-# From `ip -o link show` and `ip -o -4 addr show` of a box to lines for `ip -batch`. The texts are not trusted: a word
-# that is no name, number or address of its kind ends its line.
+# From `ip -o link show` and `ip -o -4 addr show` of a box to lines for `ip -batch`. The other end of each pair is what
+# the interface's cable would be plugged into: down where there was no carrier. The ends of a virtual box, which is as
+# good a box as any, are left out. The texts are not trusted: what is no name, number or address of its kind is skipped.
 
 function is_name(text) { return text ~ /^[A-Za-z0-9_][A-Za-z0-9_.-]*$/ && length(text) < 16 && text !~ /^peer-/ }
-function is_address(text) { return text ~ /^[0-9]+[.][0-9]+[.][0-9]+[.][0-9]+(\/[0-9]+)?$/ }
+function is_address(text) { return text ~ /^[0-9]+[.][0-9]+[.][0-9]+[.][0-9]+(\/[0-9.]+)?$/ }
+function is_mac(text) { return length(text) == 17 && text ~ /^([0-9A-Fa-f][0-9A-Fa-f]:)+[0-9A-Fa-f][0-9A-Fa-f]$/ }
 
 # The word behind another one.
 function after(word, i) {
@@ -14,7 +16,7 @@ FILENAME == ARGV[1] {
     name = $2
     sub(/(@.*)?:$/, "", name)
     mac = after("link/ether")
-    if (!is_name(name) || name in known || mac !~ /^([0-9a-f][0-9a-f]:)+[0-9a-f][0-9a-f]$/ || length(mac) != 17) next
+    if (!is_name(name) || name in known || !is_mac(mac) || count == 64) next
     known[name] = ++count
     print "link add " name " address " mac " type veth peer name peer-" count
     mtu = after("mtu")

@@ -250,7 +250,24 @@ TEST_F(ReplayTest, LinesOfAnArchiveThatMakeNoSenseStandForNothing) {
               "x\n1\nip\nuci\n1\n");
 }
 
-TEST_F(ReplayTest, AFolderWithALinkOrAPipeIsRefused) {
+TEST_F(ReplayTest, ABoxWithoutTheIpCommandHasItsInterfacesFromIfconfig) {
+    ASSERT_EQ(
+        take(
+            R"(ip address flush dev wlan0; ip link set dev wlan0 mtu 1300; ip link set dev peer-eth0 down
+        rm /usr/bin/ip; printf '#!/bin/sh\nexit 1\n' >/usr/bin/ip; chmod +x /usr/bin/ip)")
+            .end,
+        ExitStatus{});
+    const std::string output =
+        replay("ip -o link; ip -o -4 address; ip -o link show dev eth0 | grep -c NO-CARRIER")
+            .output;
+    EXPECT_NE(output.find("00:1a:2b:3c:4d:5e"), std::string::npos) << output;
+    EXPECT_NE(output.find("192.168.1.20/24"), std::string::npos) << output;
+    EXPECT_NE(output.find(" mtu 1300 "), std::string::npos) << output;
+    EXPECT_EQ(output.find("192.168.2.20"), std::string::npos) << output;
+    EXPECT_EQ(output.substr(output.size() - 3), "\n1\n") << output;
+}
+
+TEST_F(ReplayTest, AFolderWithALinkIsRefused) {
     ASSERT_EQ(take("true").end, ExitStatus{});
     fs::create_symlink("/etc", unpacked() + "/files/sys/link");
     const Result result = run({kBox, "--snapshot", unpacked(), "--", "true"});
