@@ -26,12 +26,19 @@ std::vector<std::string> SnapshotTest::options() const {
             "SNAPSHOT=" KELM_SNAPSHOT_PROGRAM};
 }
 
+std::string SnapshotTest::collector(const std::string& arguments) {
+    return "\n\"$SNAPSHOT\" " + arguments + " -o \"$OUT/box.tar.gz\"";
+}
+
 HostBoxTest::Result SnapshotTest::take(const std::string& script, const std::string& arguments) {
-    const std::string call = "\n\"$SNAPSHOT\" " + arguments + " -o \"$OUT/box.tar.gz\"";
-    Result result = runInBox(script + call, options());
-    const std::string unpack = "rm -rf \"$0\" && mkdir \"$0\" && tar -xzf \"$1\" -C \"$0\"";
-    run({"sh", "-c", unpack, folder() + "/unpacked", archive()});
+    Result result = runInBox(script + collector(arguments), options());
+    unpack();
     return result;
+}
+
+void SnapshotTest::unpack() {
+    const std::string script = R"(rm -rf "$0" && mkdir "$0" && tar -xzf "$1" -C "$0")";
+    run({"sh", "-c", script, folder() + "/unpacked", archive()});
 }
 
 HostBoxTest::Result SnapshotTest::replay(const std::string& script) {

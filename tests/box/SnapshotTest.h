@@ -13,11 +13,14 @@ class SnapshotTest : public HostBoxTest {
     std::vector<std::string> options() const;
     /// Runs the script in a box, then the collector with these arguments and the archive's name.
     Result take(const std::string& script, const std::string& arguments = "");
+    /// The line that runs the collector in a script.
+    static std::string collector(const std::string& arguments);
+    void unpack();
     /// Runs the script in a box that the archive is replayed in.
     Result replay(const std::string& script);
 
     std::string archive() const { return folder() + "/box.tar.gz"; }
-    /// What the archive holds, after its unpacking by take().
+    /// What the archive holds, after its unpacking.
     std::string unpacked() const { return folder() + "/unpacked/kelm-trd-snapshot"; }
     std::string file(const std::string& path) const;
     /// The whole line of the index that ends with this name, but for the time; empty without one.
