@@ -34,7 +34,7 @@ HostBoxTest::Result HostBoxTest::run(const std::vector<std::string>& command,
                                      const Child::Environment& environment) {
     const std::string file = folder_ + "/output" + std::to_string(++runs_);
     Child child(withoutTerminal(command), file, environment);
-    const auto end = child.waitForEnd(std::chrono::seconds(60));
+    const auto end = child.waitForEnd(std::chrono::minutes(2));
     return {end.value_or(ExitStatus{-1, 0}), box::readFile(file)};
 }
 

@@ -27,7 +27,7 @@ std::vector<std::string> SnapshotTest::options() const {
 }
 
 std::string SnapshotTest::collector(const std::string& arguments) {
-    return "\n\"$SNAPSHOT\" " + arguments + " -o \"$OUT/box.tar.gz\"";
+    return "\n\"$SNAPSHOT\" --timeout 60 " + arguments + " -o \"$OUT/box.tar.gz\"";
 }
 
 HostBoxTest::Result SnapshotTest::take(const std::string& script, const std::string& arguments) {
