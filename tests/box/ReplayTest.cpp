@@ -127,8 +127,8 @@ TEST_F(ReplayTest, AMaskedPassphraseIsAllThatAMaskedArchiveChanges) {
 
 TEST_F(ReplayTest, FilesAndClocksAreThoseOfTheBoxAndNoneOfTheFixture) {
     const std::string files =
-        R"(find /etc/kelm_* /var/kelm /sys /tmp -type f -not -path "$OUT/*" -exec md5sum {} + |
-        sort)";
+        R"(find /etc/kelm_* /var/kelm /sys /tmp -type f -not -path "$OUT/*" -exec md5sum {} + \
+        -exec stat -c '%Y %n' {} + | sort)";
     ASSERT_EQ(take("rm -r /var/kelm/* /etc/kelm_deviceid /tmp/syslog.0 /sys/class/tsdemux; mkfifo "
                    "/var/kelm/TZ\n" +
                    files + " >\"$OUT/files\"")
@@ -184,6 +184,10 @@ struct Hostile {
     const char* message;  // what box/box says of it, the beginning
 };
 
+std::ostream& operator<<(std::ostream& stream, const Hostile& row) {
+    return stream << row.name;
+}
+
 class HostileArchiveTest : public SnapshotTest, public ::testing::WithParamInterface<Hostile> {};
 
 TEST_P(HostileArchiveTest, IsRefusedAndNothingIsWritten) {
@@ -227,6 +231,10 @@ constexpr Hostile kHostile[] = {
      kUntrusted},
     {"BlankInAName", "touch 'kelm-trd-snapshot/a b'; pack kelm-trd-snapshot", kUntrusted},
     {"SomethingBesides", "mkdir other; pack kelm-trd-snapshot other", kUntrusted},
+    {"Crowded",
+     "mkdir kelm-trd-snapshot/x; (cd kelm-trd-snapshot/x; seq 11000 | xargs touch); pack "
+     "kelm-trd-snapshot",
+     "it cannot be trusted: it holds more than 10000 files"},
     {"Huge", "truncate -s 80M kelm-trd-snapshot/zeros; pack kelm-trd-snapshot",
      "unpacked it would be larger than 64 MiB"},
     {"NoArchive", "echo nonsense >../evil.tar.gz", "it is damaged, or not packed with gzip"},
