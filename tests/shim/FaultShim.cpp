@@ -143,13 +143,6 @@ FILE* popen(const char* command, const char* mode) {
     return nullptr;
 }
 
-int system(const char* command) {
-    static const auto realSystem = real<int (*)(const char*)>("system");
-    if (!noProcesses()) return realSystem(command);
-    errno = EAGAIN;
-    return -1;
-}
-
 int pthread_create(pthread_t* id, const pthread_attr_t* attributes, void* (*routine)(void*),
                    void* argument) noexcept {
     static const auto create =

@@ -35,5 +35,11 @@ std::vector<std::string> processPipe(const std::string& command) {
     return splitLines(getCmdOutput(command), LineFeeds::Keep);
 }
 
+// system() would have SIGINT ignored meanwhile, and the kernel drops one that is pending when that
+// begins: the daemon would not stop.
+void runCommand(const std::string& command) {
+    const std::unique_ptr<FILE, PipeCloser> inputOfCommand(popen(command.c_str(), "we"));
+}
+
 }  // namespace Utils
 }  // namespace TR
