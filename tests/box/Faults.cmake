@@ -8,8 +8,7 @@ target_include_directories(fault_tests PRIVATE ${PROJECT_SOURCE_DIR})
 target_compile_definitions(
   fault_tests PRIVATE KELM_TRD_PROGRAM="${KELM_PROGRAM_FOLDER}/kelm-trd"
                       KELM_FAULT_SHIM="$<TARGET_FILE:faultshim>")
-set_target_properties(fault_tests PROPERTIES CROSSCOMPILING_EMULATOR
-                                             "${PROJECT_SOURCE_DIR}/box/test-in-box")
+kelm_start_in_box(fault_tests)
 add_dependencies(fault_tests kelm-trd faultshim)
 
 function(fault_group name filter)
