@@ -53,6 +53,12 @@ bool isOfTheKernel(const File& file) {
 }
 
 const std::string kTenMegabytes(10U << 20, 'x');
+// More than one read takes, and little to parse for a sanitized program.
+const std::string kManyLines = [] {
+    std::string lines;
+    for (int i = 0; i < 500; ++i) lines += std::string(99, 'x') + "\n";
+    return lines;
+}();
 
 std::string everyByte() {
     std::string bytes;
@@ -111,7 +117,7 @@ constexpr Failing kFailings[] = {
      nullptr, true},
     {"ChangesWhileItIsRead", box::writeFile,
      [](const std::string& path, const std::string& content) {
-         box::writeFile(path, std::string(50000, '\n'));
+         box::writeFile(path, kManyLines);
          box::writeFile(path, content.substr(0, content.size() / 2));
          box::writeFile(path, content);
      },
