@@ -26,7 +26,6 @@
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::seconds;
 
 constexpr char kInvalidArguments[] = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr char kCode[] = "Device.DeviceInfo.ProvisioningCode";
@@ -109,7 +108,7 @@ class Talker {
             if (number_ < names.size()) write(kConfig + names[number_]);
             if (client_.listParametersOnly().list.empty()) ++mistakes_;
             ++count_;
-            // Other tests want the processor too; scripts/soak has clients that pause nowhere.
+            // Other tests want the processor too.
             std::this_thread::sleep_for(milliseconds(5));
         }
     }

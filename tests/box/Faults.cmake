@@ -18,6 +18,8 @@ function(fault_group name filter)
     FaultTest.${name}
     PROPERTIES LABELS "box;faults"
                TIMEOUT 900
+               # Lives last longer than other tests, so they begin first.
+               COST 100
                SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]"
                # No row means that the filter is wrong.
                FAIL_REGULAR_EXPRESSION "Running 0 tests")
@@ -122,3 +124,6 @@ fault_group(StartThreeCyclesStop WholeLifeTest.Start*)
 if(KELM_SANITIZE MATCHES address)
   fault_group(ALeakWouldBeSeen WholeLifeTest.ALeak*)
 endif()
+# The longest ones of all, with sanitizers most of all.
+set_tests_properties(FaultTest.ACommandPrintsTenMegabytes FaultTest.ThereAreHundredsOfInterfaces
+                     FaultTest.AnInterruptAmidHundredsOfInterfaces PROPERTIES COST 200)
