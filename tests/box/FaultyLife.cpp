@@ -8,6 +8,7 @@
 
 #include "tests/box/SystemFaults.h"
 #include "tests/support/Box.h"
+#include "tests/support/Repeating.h"
 
 namespace {
 
@@ -55,28 +56,6 @@ bool waitUntil(const std::function<bool()>& condition) {
     return box::waitUntil(condition, kDeadline);
 }
 
-// Does something again and again beside the test.
-class Repeating {
-  public:
-    explicit Repeating(std::function<void()> action)
-        : thread_([this, action = std::move(action)] {
-              while (!done_) {
-                  action();
-                  std::this_thread::sleep_for(milliseconds(100));
-              }
-          }) {}
-    ~Repeating() {
-        done_ = true;
-        thread_.join();
-    }
-    Repeating(const Repeating&) = delete;
-    Repeating& operator=(const Repeating&) = delete;
-
-  private:
-    std::atomic<bool> done_{false};
-    std::thread thread_;
-};
-
 }  // namespace
 
 FaultyLife::FaultyLife(const Script& script) {
@@ -96,9 +75,11 @@ std::string FaultyLife::valueIn(const Tree& tree, const std::string& address) {
 void FaultyLife::live(const Script& script) {
     std::unique_ptr<Repeating> watchdog;
     if (script.killHanging) {
-        watchdog = std::make_unique<Repeating>([this] {
-            if (daemonPid_ != 0) faults::killHangingCommands(daemonPid_);
-        });
+        watchdog = std::make_unique<Repeating>(
+            [this] {
+                if (daemonPid_ != 0) faults::killHangingCommands(daemonPid_);
+            },
+            milliseconds(100));
     }
     script.spoilStart();
     start(script.environment);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cctype>
 #include <chrono>
 #include <csignal>
@@ -24,6 +23,7 @@
 #include "tests/box/Shim.h"
 #include "tests/box/SystemFaults.h"
 #include "tests/box/Vitals.h"
+#include "tests/support/Repeating.h"
 
 namespace {
 
@@ -53,25 +53,6 @@ template <typename Range>
 const auto& anyOf(const Range& range, Random& random) {
     return *std::next(std::begin(range), static_cast<std::ptrdiff_t>(random() % std::size(range)));
 }
-
-/// Does something again and again beside the test, as long as the object lives.
-class Repeating {
-  public:
-    explicit Repeating(std::function<void()> action)
-        : thread_([this, action = std::move(action)] {
-              while (!done_) action();
-          }) {}
-    ~Repeating() {
-        done_ = true;
-        thread_.join();
-    }
-    Repeating(const Repeating&) = delete;
-    Repeating& operator=(const Repeating&) = delete;
-
-  private:
-    std::atomic<bool> done_{false};
-    std::thread thread_;
-};
 
 /// What a round's disturbance has to work with.
 struct Round {
@@ -135,10 +116,8 @@ Disturbance failingCommands(Random& random) {
 Disturbance hangingCommand(const Round& round) {
     box::setFault(anyOf(std::vector<const char*>{"iw", "ps", "netstat", "ubus"}, round.random),
                   "hang");
-    auto watchdog = std::make_shared<Repeating>([daemon = round.daemon] {
-        std::this_thread::sleep_for(seconds(1));
-        faults::killHangingCommands(daemon);
-    });
+    auto watchdog = std::make_shared<Repeating>(
+        [daemon = round.daemon] { faults::killHangingCommands(daemon); }, seconds(1));
     return all({watchdog, mendCommands()});
 }
 
