@@ -78,6 +78,9 @@ fault_group(StepsAndStops ShimTest.*)
 if(NOT KELM_SANITIZE MATCHES undefined)
   fault_group(TheDescriptorLimitIsReached System/*TheDescriptorLimitIsReached)
   fault_group(TheDescriptorLimitLosesNoSetting Writes/*TheDescriptorLimit)
+endif()
+# While it stops, the thread sanitizer too needs a pipe, to the program that tells it which finding is to be overlooked.
+if(NOT KELM_SANITIZE)
   fault_group(AnInterruptAmidFewDescriptors Interrupts/*/FewDescriptors)
 endif()
 # A sanitizer's shadow memory is far beyond any limit. An emulator has its program's memory reserved before the limit is

@@ -344,7 +344,11 @@ class InterruptFaultTest : public DaemonTest, public ::testing::WithParamInterfa
 
     void waitForFirstAnswer() {
         connect();
-        ASSERT_TRUE(box::waitUntil([this] { return client().getValue(kUpTime).ok; }, kDeadline));
+        const auto answers = [this] { return client().getValue(kUpTime).ok; };
+        ASSERT_TRUE(box::waitUntil([&] { return answers() || !daemon().isRunning(); }, kDeadline))
+            << daemon().output();
+        ASSERT_TRUE(daemon().isRunning()) << *daemon().waitForEnd(milliseconds(0)) << "\n"
+                                          << daemon().output();
     }
 
     static void write(TrClient& client) {
