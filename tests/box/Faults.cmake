@@ -128,5 +128,9 @@ if(KELM_SANITIZE MATCHES address)
   fault_group(ALeakWouldBeSeen WholeLifeTest.ALeak*)
 endif()
 # The longest ones of all, with sanitizers most of all.
-set_tests_properties(FaultTest.ACommandPrintsTenMegabytes FaultTest.ThereAreHundredsOfInterfaces
-                     FaultTest.AnInterruptAmidHundredsOfInterfaces PROPERTIES COST 200)
+set_tests_properties(
+  FaultTest.ACommandPrintsTenMegabytes
+  FaultTest.AFileIsTenMegabytes
+  FaultTest.ThereAreHundredsOfInterfaces
+  FaultTest.AnInterruptAmidHundredsOfInterfaces
+  PROPERTIES COST 200)

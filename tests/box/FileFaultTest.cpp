@@ -51,8 +51,9 @@ AllSpoiled spoil(bool ofTheStart, const FileFailing& failing) {
     return all;
 }
 
-void readNotificationFile(TrClient& client) {
-    for (int i = 0; i < 50; ++i) {
+// Again and again, so that a file that changes is met in all its states.
+void readNotificationFile(TrClient& client, int times) {
+    for (int i = 0; i < times; ++i) {
         if (!client.updateNotifTable().ok) throw std::runtime_error("updateNotifTable fails");
     }
 }
@@ -64,12 +65,13 @@ std::unique_ptr<FaultyLife> lifeWith(const FileFailing& failing) {
     script.spoilStart = [&] { spoiled = spoil(true, failing); };
     script.mendStart = [&] { spoiled.clear(); };
     script.spoil = [&](pid_t) { spoiled = spoil(false, failing); };
-    script.underFaults = readNotificationFile;
+    const int times = failing.repeat == nullptr ? 3 : 50;
+    script.underFaults = [=](TrClient& client) { readNotificationFile(client, times); };
     script.mend = [&](pid_t) {
         spoiled.clear();
         box::clearCalls("ubus");
     };
-    script.afterFaults = readNotificationFile;
+    script.afterFaults = [](TrClient& client) { readNotificationFile(client, 1); };
     return std::make_unique<FaultyLife>(script);
 }
 
