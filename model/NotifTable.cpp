@@ -3,7 +3,6 @@
 #include <json-c/json.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <ostream>
 #include <sstream>
@@ -85,8 +84,7 @@ void NotifTable::tryTriggerNotify(const std::map<Address, Value>& updates) {
 
 void NotifTable::triggerNotify() {
     // The client answers with checkValueChange; when it does not run, the changes wait for it.
-    // glibc's system() may run on several threads; NOLINTNEXTLINE(concurrency-mt-unsafe)
-    [[maybe_unused]] const int ignored = std::system(kNotifyCommand);
+    Utils::runCommand(kNotifyCommand);
 }
 
 std::ostream& operator<<(std::ostream& stream, const NotifTable::NotifEntry& entry) {

@@ -41,6 +41,7 @@ fail() { # fail KIND [NUMBER] -- ARGUMENT...
             exit 0
             ;;
         flood) yes "$name goes on and on and on" | head -c 10485760 && exit 0 ;;
+        line) head -c 10485760 /dev/zero | tr '\000' x && exit 0 ;;
         noeol)
             number=0
             answer=$(usual_answer "$@") || number=$?

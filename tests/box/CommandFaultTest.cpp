@@ -43,6 +43,7 @@ constexpr Failing kFailings[] = {
     {"IsSilent", "silent"},
     {"PrintsGarbage", "garbage"},
     {"PrintsTenMegabytes", "flood"},
+    {"PrintsALineWithoutAnEnd", "line"},
     {"LeavesItsLastLineWithoutAnEnd", "noeol"},
     {"IsSlow", "slow 3"},
     {"HangsUntilItIsKilled", "hang"},

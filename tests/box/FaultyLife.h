@@ -31,8 +31,6 @@ class FaultyLife {
         std::function<void(TrClient&)> afterFaults = [](TrClient&) {};
         /// The daemon's, beside the usual one.
         Child::Environment environment = {};
-        /// Under the faults nothing tells of a cycle, so time has to.
-        bool hidesCycles = false;
         /// Commands that hang are killed from time to time, as a watchdog would.
         bool killHanging = false;
     };
@@ -59,7 +57,6 @@ class FaultyLife {
     Tree readTree();
     void checkVitals(const Vitals& baseline);
     void stop();
-    void killHangingCommands() const;
 
     std::unique_ptr<PrivateBus> bus_;
     std::unique_ptr<Child> daemon_;

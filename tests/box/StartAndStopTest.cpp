@@ -12,7 +12,19 @@
 
 namespace {
 
-class StartAndStopTest : public DaemonTest {};
+class StartAndStopTest : public DaemonTest {
+  protected:
+    void expectTheSecondInterruptToEndIt() {
+        daemon().send(SIGINT);
+        // A blocked signal is pending until main has taken the first one; only then is the second
+        // one a second.
+        EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
+        daemon().send(SIGINT);
+        const auto end = daemon().waitForEnd(std::chrono::seconds(10));
+        ASSERT_TRUE(end.has_value());
+        EXPECT_EQ(*end, (ExitStatus{255, 0}));
+    }
+};
 
 TEST_F(StartAndStopTest, OneInterruptEndsInOrderWithStatusZero) {
     start();
@@ -35,14 +47,7 @@ TEST_F(StartAndStopTest, TwoInterruptsEndAtOnceWithStatus255WhileACommandIsSlow)
     startBus();
     launch();
     ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
-    daemon().send(SIGINT);
-    // A blocked signal is pending until main has taken the first one; only then is the second one a
-    // second.
-    EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
-    daemon().send(SIGINT);
-    const auto end = daemon().waitForEnd(std::chrono::seconds(10));
-    ASSERT_TRUE(end.has_value());
-    EXPECT_EQ(*end, (ExitStatus{255, 0}));
+    expectTheSecondInterruptToEndIt();
 }
 
 TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
@@ -50,12 +55,7 @@ TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
     box::setFault("ubus", "slow 30");
     watch({"Device.DeviceInfo.UpTime"});
     ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
-    daemon().send(SIGINT);
-    EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
-    daemon().send(SIGINT);
-    const auto end = daemon().waitForEnd(std::chrono::seconds(10));
-    ASSERT_TRUE(end.has_value());
-    EXPECT_EQ(*end, (ExitStatus{255, 0}));
+    expectTheSecondInterruptToEndIt();
 }
 
 TEST_F(StartAndStopTest, AnInterruptWhileTheNotifyCommandRunsIsNotLost) {

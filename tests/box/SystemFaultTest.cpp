@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <memory>
@@ -22,6 +20,7 @@
 #include "tests/box/DaemonTest.h"
 #include "tests/box/FaultyLife.h"
 #include "tests/box/Shim.h"
+#include "tests/box/SystemFaults.h"
 
 namespace {
 
@@ -32,62 +31,16 @@ constexpr bool kIsSanitized = false;
 #endif
 
 constexpr char kUpTime[] = "Device.DeviceInfo.UpTime";
-constexpr char kNotifyFile[] = "/tmp/.easycwmp_notif_param_value";
 constexpr int kManyInterfaces = 200;
-
-void setLimit(pid_t pid, int resource, rlim_t value) {
-    rlimit limit{};
-    const auto which = static_cast<__rlimit_resource>(resource);
-    if (prlimit(pid, which, nullptr, &limit) != 0) throw std::runtime_error("no limit to be read");
-    limit.rlim_cur = std::min(value, limit.rlim_max);
-    if (prlimit(pid, which, &limit, nullptr) != 0) throw std::runtime_error("no limit to be set");
-}
-
-rlim_t addressSpaceOf(pid_t pid) {
-    std::ifstream statm("/proc/" + std::to_string(pid) + "/statm");
-    rlim_t pages = 0;
-    statm >> pages;
-    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
-}
 
 // Stops whatever a row finds wrong from being taken for a setting that was lost.
 void require(bool condition, const char* what) {
     if (!condition) throw std::runtime_error(what);
 }
 
-// The real client removes its file and writes it anew, line by line, and says so in between.
-class RewrittenNotificationFile {
-  public:
-    RewrittenNotificationFile()
-        : content_(box::readFile(kNotifyFile)), thread_([this] {
-              while (!done_) rewrite();
-          }) {}
-    ~RewrittenNotificationFile() {
-        done_ = true;
-        thread_.join();
-        box::writeFile(kNotifyFile, content_);
-    }
-    RewrittenNotificationFile(const RewrittenNotificationFile&) = delete;
-    RewrittenNotificationFile& operator=(const RewrittenNotificationFile&) = delete;
-
-  private:
-    static void rewrite() {
-        std::filesystem::remove(kNotifyFile);
-        std::ofstream file(kNotifyFile);
-        for (int row = 0; row < 200; ++row) {
-            file << R"({ "parameter": ")" << kUpTime << row << R"(", "value": "x)" << std::flush
-                 << R"(", "notification": "2", "type": "xsd:string" })" << '\n';
-        }
-    }
-
-    const std::string content_;
-    std::atomic<bool> done_{false};
-    std::thread thread_;
-};
-
 void readTheTableAgainAndAgain(TrClient& client) {
-    const RewrittenNotificationFile rewritten;
-    for (int i = 0; i < 2000; ++i) {
+    const faults::RewrittenNotificationFile rewritten;
+    while (rewritten.times() < 1000) {
         require(client.updateNotifTable().ok, "the table cannot be read");
         require(client.checkValueChange().ok, "the changes cannot be fetched");
     }
@@ -105,19 +58,6 @@ void readTheZones(TrClient& client) {
     require(client.getValue(kUpTime).ok, "a read fails");
 }
 
-void forInterfaces(const char* action) {
-    std::ofstream batch("/tmp/interfaces");
-    for (int i = 10; i < 10 + kManyInterfaces; ++i) {
-        if (std::string(action) == "add") {
-            batch << "link add eth" << i << " type veth peer name many" << i << "\n";
-        } else {
-            batch << "link del eth" << i << "\n";
-        }
-    }
-    batch.close();
-    require(std::system("ip -batch /tmp/interfaces") == 0, "no interfaces");
-}
-
 void expectManyInterfaces(TrClient& client) {
     const std::string last = "Device.IP.Interface." + std::to_string(kManyInterfaces + 2) + ".Name";
     require(client.getValue(last).text == "wlan0", "the interfaces are not all there");
@@ -130,25 +70,24 @@ struct Row {
     std::function<void(TrClient&)> underFaults = [](TrClient&) {};
     bool isForSanitizers = true;
     bool isShimmed = false;
-    bool hidesCycles = false;
 };
 
 std::vector<Row> rows() {
     const auto none = [](pid_t) {};
     return {
-        {"TheDescriptorLimitIsReached", [](pid_t pid) { setLimit(pid, RLIMIT_NOFILE, 3); },
-         [](pid_t pid) { setLimit(pid, RLIMIT_NOFILE, 1024); }, [](TrClient&) {}, true, false,
-         true},
+        {"TheDescriptorLimitIsReached", [](pid_t pid) { faults::setLimit(pid, RLIMIT_NOFILE, 3); },
+         [](pid_t pid) { faults::setLimit(pid, RLIMIT_NOFILE, 1024); }, [](TrClient&) {}},
         // A sanitizer's shadow memory is far beyond any limit.
         {"TheMemoryLimitIsNear",
-         [](pid_t pid) { setLimit(pid, RLIMIT_AS, addressSpaceOf(pid) + 65536); },
-         [](pid_t pid) { setLimit(pid, RLIMIT_AS, RLIM_INFINITY); }, [](TrClient&) {}, false},
+         [](pid_t pid) { faults::setLimit(pid, RLIMIT_AS, faults::addressSpaceOf(pid) + 65536); },
+         [](pid_t pid) { faults::setLimit(pid, RLIMIT_AS, RLIM_INFINITY); }, [](TrClient&) {},
+         false},
         {"NoProcessCanBeStarted", [](pid_t) { shim::set("no-processes", ""); },
          [](pid_t) { shim::clear("no-processes"); }, [](TrClient&) {}, true, true},
         {"TheInterfacesCannotBeListed", [](pid_t) { shim::set("no-interfaces", ""); },
          [](pid_t) { shim::clear("no-interfaces"); }, [](TrClient&) {}, true, true},
-        {"ThereAreHundredsOfInterfaces", [](pid_t) { forInterfaces("add"); },
-         [](pid_t) { forInterfaces("del"); }, expectManyInterfaces},
+        {"ThereAreHundredsOfInterfaces", [](pid_t) { faults::addInterfaces(kManyInterfaces); },
+         [](pid_t) { faults::removeInterfaces(kManyInterfaces); }, expectManyInterfaces},
         {"TheClockIsSteppedBackAnHour", [](pid_t) { shim::set("clock", "-3600"); },
          [](pid_t) { shim::set("clock", "0"); }, [](TrClient&) {}, true, true},
         {"TheClockIsSteppedAheadAYearAndBack", [](pid_t) { shim::set("clock", "31536000"); },
@@ -182,7 +121,6 @@ TEST_P(SystemFaultTest, AndTheDaemonLivesOn) {
     script.mend = row.mend;
     script.underFaults = row.underFaults;
     script.afterFaults = [](TrClient& client) { client.updateNotifTable(); };
-    script.hidesCycles = row.hidesCycles;
     if (row.isShimmed) script.environment = shim::environment();
     const FaultyLife life(script);
     EXPECT_EQ(life.complaint(), "");
@@ -231,12 +169,13 @@ class MemoryLimitTest : public DaemonTest {};
 TEST_F(MemoryLimitTest, ALogThatDoesNotFitIsLivedWithOrEndsTheDaemonInOrder) {
     if (kIsSanitized) GTEST_SKIP() << "a sanitizer needs more address space than any limit";
     start();
-    setLimit(daemon().pid(), RLIMIT_AS, addressSpaceOf(daemon().pid()) + (4U << 20));
+    faults::setLimit(daemon().pid(), RLIMIT_AS,
+                     faults::addressSpaceOf(daemon().pid()) + (4U << 20));
     box::writeFile("/tmp/syslog", std::string(10U << 20, 'x'));
     const std::string upTime = value(kUpTime);
     box::waitUntil([&] { return !daemon().isRunning() || value(kUpTime) != upTime; });
     if (daemon().isRunning()) {
-        setLimit(daemon().pid(), RLIMIT_AS, RLIM_INFINITY);
+        faults::setLimit(daemon().pid(), RLIMIT_AS, RLIM_INFINITY);
         expectAnswers();
         daemon().send(SIGINT);
         expectEnd({0, 0});

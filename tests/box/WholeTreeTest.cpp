@@ -1,40 +1,15 @@
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <sstream>
 #include <string>
 
 #include "tests/box/DaemonTest.h"
 #include "tests/box/TreeListing.h"
+#include "tests/support/GroupMember.h"
 
 namespace {
 
 constexpr char kGroup[] = "239.255.0.1";
-
-/// A player's socket, bound to the group and joined to it on eth0.
-class Player {
-  public:
-    Player() {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(1234);
-        inet_pton(AF_INET, kGroup, &address.sin_addr);
-        EXPECT_EQ(bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        ip_mreq membership{address.sin_addr, {}};
-        inet_pton(AF_INET, "192.168.1.20", &membership.imr_interface);
-        EXPECT_EQ(
-            setsockopt(socket_, IPPROTO_IP, IP_ADD_MEMBERSHIP, &membership, sizeof membership), 0);
-    }
-    Player(const Player&) = delete;
-    Player& operator=(const Player&) = delete;
-    ~Player() { close(socket_); }
-
-  private:
-    const int socket_ = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-};
 
 class WholeTreeTest : public DaemonTest {
   protected:
@@ -66,13 +41,13 @@ std::string withoutGroups(const std::string& golden) {
 }
 
 TEST_F(WholeTreeTest, EveryAddressIsAsTheGoldenListingHasIt) {
-    const Player player;
+    const GroupMember player(kGroup, 1234);
     start();
     expectTree(golden());
 }
 
 TEST_F(WholeTreeTest, ALaterCycleMovesLiveValuesOnly) {
-    const Player player;
+    const GroupMember player(kGroup, 1234);
     start();
     waitForCycles(1);
     expectTree(golden());

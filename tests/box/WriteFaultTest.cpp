@@ -2,48 +2,27 @@
 // the fault is gone.
 
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <functional>
 #include <ostream>
 #include <string>
 
 #include "tests/box/DaemonTest.h"
+#include "tests/box/SystemFaults.h"
 #include "tests/box/Vitals.h"
 
 namespace {
 
 const std::string kHost = "Device.Services.STBService.1.X_Kelm.Config.SyslogHost";
 const std::string kZone = "Device.Services.STBService.1.X_Kelm.Config.TimeZone";
-const std::string kFolder = "/var/kelm/";
-const std::string kFiller = kFolder + "filler";
-
-// Fills the folder's small file system to its last byte.
-void fill() {
-    for (std::size_t size = 65536; size > 0; size /= 2) {
-        while (true) {
-            const std::string old = box::readFile(kFiller);
-            box::writeFile(kFiller, old + std::string(size, 'f'));
-            if (box::readFile(kFiller).size() < old.size() + size) break;
-        }
-    }
-}
-
-void setReadOnly(bool isReadOnly) {
-    const unsigned long flags = MS_REMOUNT | (isReadOnly ? MS_RDONLY : 0);
-    ASSERT_EQ(mount("none", kFolder.c_str(), "tmpfs", flags, nullptr), 0);
-}
 
 // Beyond what the daemon has open just now there is nothing to be had.
-void limitDescriptors(pid_t daemon, bool isLimited) {
-    rlimit limit{};
-    ASSERT_EQ(prlimit(daemon, RLIMIT_NOFILE, nullptr, &limit), 0);
-    limit.rlim_cur = isLimited ? 3 : limit.rlim_max;
-    ASSERT_EQ(prlimit(daemon, RLIMIT_NOFILE, &limit, nullptr), 0);
+void limitDescriptors(pid_t daemon) {
+    faults::setLimit(daemon, RLIMIT_NOFILE, 3);
+}
+
+void freeDescriptors(pid_t daemon) {
+    faults::setLimit(daemon, RLIMIT_NOFILE, RLIM_INFINITY);
 }
 
 struct Row {
@@ -53,10 +32,10 @@ struct Row {
 };
 
 const Row kRows[] = {
-    {"AFullDisk", [](pid_t) { fill(); }, [](pid_t) { unlink(kFiller.c_str()); }},
-    {"AReadOnlyFolder", [](pid_t) { setReadOnly(true); }, [](pid_t) { setReadOnly(false); }},
-    {"TheDescriptorLimit", [](pid_t daemon) { limitDescriptors(daemon, true); },
-     [](pid_t daemon) { limitDescriptors(daemon, false); }},
+    {"AFullDisk", [](pid_t) { faults::fillSettings(); }, [](pid_t) { faults::emptySettings(); }},
+    {"AReadOnlyFolder", [](pid_t) { faults::setSettingsReadOnly(true); },
+     [](pid_t) { faults::setSettingsReadOnly(false); }},
+    {"TheDescriptorLimit", limitDescriptors, freeDescriptors},
 };
 
 std::ostream& operator<<(std::ostream& stream, const Row& row) {
@@ -70,7 +49,7 @@ std::string nameOf(const ::testing::TestParamInfo<Row>& info) {
 class WriteFaultTest : public DaemonTest, public ::testing::WithParamInterface<Row> {
   protected:
     void SetUp() override {
-        ASSERT_EQ(mount("none", kFolder.c_str(), "tmpfs", 0, "size=64k"), 0);
+        faults::mountSettings();
         startBus();
         launch();
         connect();

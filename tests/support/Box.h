@@ -20,7 +20,7 @@ std::vector<std::string> calls(const std::string& command);
 void clearCalls(const std::string& command);
 
 /// Makes a stand-in misbehave from its next call on: "exit 1", "silent", "garbage", "flood",
-/// "noeol", "slow 3", "hang", "closeearly", "background". An empty fault mends it.
+/// "line", "noeol", "slow 3", "hang", "closeearly", "background". An empty fault mends it.
 void setFault(const std::string& command, const std::string& fault);
 
 /// Looks again and again until the condition holds; false when it did not within the deadline.

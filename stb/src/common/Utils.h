@@ -35,6 +35,10 @@ std::string getCmdOutput(const std::string& command);
 // The same as lines, each with its line feed.
 std::vector<std::string> processPipe(const std::string& command);
 
+// Runs the shell command to its end, whatever comes of it; what it prints goes where the own output
+// goes. By system(), in a process of its own, so that the signals of this one are left alone.
+void runCommand(const std::string& command);
+
 std::string toLowerString(const std::string& text);
 std::string toUpperString(const std::string& text);
 void toLower(std::string& text);

@@ -4,7 +4,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -14,6 +13,7 @@
 #include "model/Storage.h"
 #include "providers/FrontEndDataProvider.h"
 #include "tests/support/Box.h"
+#include "tests/support/GroupMember.h"
 
 namespace {
 
@@ -30,30 +30,6 @@ void can(const std::string& command, const std::string& output) {
     box::writeFile(program, "#!/bin/sh\nexec cat /tmp/canned." + command + "\n");
     std::filesystem::permissions(program, std::filesystem::perms(0755));
 }
-
-/// A UDP socket as a player opens it: bound to the group and joined to it on eth0.
-class Member {
-  public:
-    Member(const std::string& group, std::uint16_t port) {
-        const int on = 1;
-        setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        inet_pton(AF_INET, group.c_str(), &address.sin_addr);
-        EXPECT_EQ(bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        ip_mreq membership{address.sin_addr, {}};
-        inet_pton(AF_INET, "192.168.1.20", &membership.imr_interface);
-        EXPECT_EQ(
-            setsockopt(socket_, IPPROTO_IP, IP_ADD_MEMBERSHIP, &membership, sizeof membership), 0);
-    }
-    Member(const Member&) = delete;
-    Member& operator=(const Member&) = delete;
-    ~Member() { close(socket_); }
-
-  private:
-    const int socket_ = socket(AF_INET, SOCK_DGRAM, 0);
-};
 
 class FrontEndDataProviderTest : public ::testing::Test {
   protected:
@@ -134,7 +110,7 @@ TEST_F(FrontEndDataProviderTest, WithoutTheKernelsSettingsTheDefaultsShow) {
 }
 
 TEST_F(FrontEndDataProviderTest, NoParameterIsWritableForcedOrKeptElsewhere) {
-    const Member member("239.255.0.1", 1234);
+    const GroupMember member("239.255.0.1", 1234);
     provider_.init();
     provider_.updateValues();
     for (const Address& address : storage_.listAddresses()) {
@@ -166,7 +142,7 @@ TEST_F(FrontEndDataProviderTest, AStoreBeforeInitCreatesTheCount) {
 TEST_F(FrontEndDataProviderTest, AJoinedGroupShowsAndGoesWithItsSocket) {
     provider_.init();
     {
-        const Member member("239.255.0.1", 1234);
+        const GroupMember member("239.255.0.1", 1234);
         provider_.updateValues();
         EXPECT_EQ(at("ClientGroup.1.GroupAddress"), Value(std::string("239.255.0.1")));
         EXPECT_EQ(at("ClientGroup.1.UpTime").getType(), Value::Type::Integer);
@@ -179,16 +155,16 @@ TEST_F(FrontEndDataProviderTest, AJoinedGroupShowsAndGoesWithItsSocket) {
 }
 
 TEST_F(FrontEndDataProviderTest, TwoSocketsInOneGroupAreOneGroup) {
-    const Member first("239.255.0.1", 1234);
-    const Member second("239.255.0.1", 1235);
-    const Member third("239.255.0.1", 1235);
+    const GroupMember first("239.255.0.1", 1234);
+    const GroupMember second("239.255.0.1", 1235);
+    const GroupMember third("239.255.0.1", 1235);
     provider_.updateValues();
     EXPECT_EQ(text("ClientGroupNumberOfEntries"), "1");
 }
 
 TEST_F(FrontEndDataProviderTest, OfTwoGroupsTheLastInTextOrderShowsBesideACountOfBoth) {
-    const Member ten("239.0.0.10", 5000);
-    const Member two("239.0.0.2", 5000);
+    const GroupMember ten("239.0.0.10", 5000);
+    const GroupMember two("239.0.0.2", 5000);
     provider_.updateValues();
     EXPECT_EQ(text("ClientGroupNumberOfEntries"), "2");
     EXPECT_EQ(text("ClientGroup.1.GroupAddress"), "239.0.0.2");
@@ -224,7 +200,7 @@ TEST_F(FrontEndDataProviderTest, AnIpv6SocketThatNetstatNamesSoCountsToo) {
 }
 
 TEST_F(FrontEndDataProviderTest, WhenNetstatSaysNothingUsableTheGroupsAreGone) {
-    const Member member("239.255.0.1", 1234);
+    const GroupMember member("239.255.0.1", 1234);
     for (const char* fault : {"silent", "exit 1", "garbage", "flood"}) {
         provider_.updateValues();
         EXPECT_EQ(text("ClientGroupNumberOfEntries"), "1") << fault;
@@ -237,7 +213,7 @@ TEST_F(FrontEndDataProviderTest, WhenNetstatSaysNothingUsableTheGroupsAreGone) {
 }
 
 TEST_F(FrontEndDataProviderTest, ALastLineWithoutALineFeedCounts) {
-    const Member member("239.255.0.1", 1234);
+    const GroupMember member("239.255.0.1", 1234);
     box::setFault("netstat", "noeol");
     provider_.updateValues();
     EXPECT_EQ(text("ClientGroup.1.GroupAddress"), "239.255.0.1");
@@ -254,7 +230,7 @@ TEST_F(FrontEndDataProviderTest, RowsOfTheOldCountAreTakenAway) {
 }
 
 TEST_F(FrontEndDataProviderTest, UpTimeGrowsWhileTheGroupStays) {
-    const Member member("239.255.0.1", 1234);
+    const GroupMember member("239.255.0.1", 1234);
     provider_.updateValues();
     EXPECT_TRUE(box::waitUntil([&] {
         provider_.updateValues();
@@ -266,7 +242,7 @@ TEST_F(FrontEndDataProviderTest, ZappingRecordsNoChange) {
     provider_.init();
     provider_.updateValues();
     storage_.clearUpdates();
-    const Member member("239.255.0.1", 1234);
+    const GroupMember member("239.255.0.1", 1234);
     provider_.updateValues();
     EXPECT_EQ(text("ClientGroupNumberOfEntries"), "1");
     EXPECT_TRUE(storage_.updates().empty());

@@ -4,13 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace TR::Utils;
 using Texts = std::vector<std::string>;
@@ -58,12 +61,29 @@ TEST(UtilsCommandTest, ACommandThatCannotBeStartedGivesNothing) {
     EXPECT_EQ(child.out, "[][0]");
 }
 
+TEST(UtilsCommandTest, ACommandThatIsOnlyRunPrintsToTheOwnOutput) {
+    const ChildResult child = runInChild([] { runCommand("echo x; exit 3"); });
+    EXPECT_EQ(child.out, "x\n");
+}
+
+TEST(UtilsCommandTest, RunningACommandLosesNoPendingInterrupt) {
+    sigset_t interrupt;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &interrupt, nullptr);
+    kill(getpid(), SIGINT);
+    runCommand("true");
+    const timespec atOnce{};
+    EXPECT_EQ(sigtimedwait(&interrupt, nullptr, &atOnce), SIGINT);
+}
+
 TEST(UtilsCommandTest, NoDescriptorLeaks) {
     using Iterator = std::filesystem::directory_iterator;
     const auto before = std::distance(Iterator("/proc/self/fd"), Iterator());
     for (int i = 0; i < 5; ++i) {
         getCmdOutput("echo x");
         processPipe("exit 1");
+        runCommand("true");
     }
     EXPECT_EQ(std::distance(Iterator("/proc/self/fd"), Iterator()), before);
 }
