@@ -58,6 +58,16 @@ TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
     expectTheSecondInterruptToEndIt();
 }
 
+TEST_F(StartAndStopTest, ADaemonKilledWhileTheNotifyCommandRunsGivesItsNameUp) {
+    start();
+    box::setFault("ubus", "slow 60");
+    watch({"Device.DeviceInfo.UpTime"});
+    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    daemon().send(SIGKILL);
+    expectEnd({0, SIGKILL});
+    EXPECT_TRUE(box::waitUntil([this] { return client().owner().empty(); }));
+}
+
 TEST_F(StartAndStopTest, AnInterruptWhileTheNotifyCommandRunsIsNotLost) {
     start();
     box::setFault("ubus", "slow 2");
