@@ -63,8 +63,7 @@ class ClientFaultTest : public DaemonTest {
         Vitals now;
         EXPECT_TRUE(box::waitUntil([&] {
             now = quietVitalsOf(daemon().pid());
-            return now.threads == before_.threads && now.descriptors == before_.descriptors &&
-                   now.children == 0;
+            return now.holdsNoMoreThan(before_);
         })) << before_
             << "; now: " << now;
         daemon().send(SIGINT);

@@ -167,8 +167,7 @@ void FaultyLife::checkVitals(const Vitals& baseline) {
     Vitals now;
     const auto isAsBefore = [&] {
         now = quietVitalsOf(daemon_->pid());
-        return now.threads == baseline.threads && now.descriptors == baseline.descriptors &&
-               now.children == 0;
+        return now.holdsNoMoreThan(baseline);
     };
     if (!waitUntil(isAsBefore) || now.residentKiB > baseline.residentKiB + kMemoryBoundKiB) {
         std::ostringstream text;

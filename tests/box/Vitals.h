@@ -12,6 +12,12 @@ struct Vitals {
     std::size_t descriptors = 0;
     std::size_t children = 0;
     std::size_t residentKiB = 0;
+
+    /// No thread and no descriptor more, and no child; \p before may have been taken while a
+    /// command ran.
+    bool holdsNoMoreThan(const Vitals& before) const {
+        return threads <= before.threads && descriptors <= before.descriptors && children == 0;
+    }
 };
 Vitals vitalsOf(pid_t pid);
 /// The same at rest: without what it holds for the moment only, a command's pipe or a file that it

@@ -189,6 +189,7 @@ TEST_F(BoxFaultTest, CommandsFailAsTold) {
     EXPECT_EQ(withFault("exit 3", "iw wlan0 link; echo $?"), "3");
     EXPECT_EQ(withFault("silent", "iw wlan0 link; echo $?"), "0");
     EXPECT_EQ(withFault("flood", "iw wlan0 link | wc -c"), "10485760");
+    EXPECT_EQ(withFault("line", "iw wlan0 link | wc -c -l | xargs"), "0 10485760");
     EXPECT_EQ(withFault("noeol", "iw wlan0 link | wc -l"), "11");
     EXPECT_EQ(withFault("garbage", "iw wlan0 link | tr -dc '\\000' | wc -c"), "3");
     EXPECT_EQ(withFault("hang", "{ timeout -s KILL 0.3 iw wlan0 link; echo $?; } 2>/dev/null"),
