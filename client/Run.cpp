@@ -1,0 +1,57 @@
+#include "client/Run.h"
+
+#include <signal.h>
+
+#include <clocale>
+#include <cstdio>
+#include <exception>
+
+#include "client/BusDaemon.h"
+#include "client/Commands.h"
+
+namespace client {
+
+namespace {
+
+int runOnBus(const Options& options) {
+    const Terminal terminal(options.color);
+    Output out;
+    // The daemon may go in the middle; what it has answered until then is printed all the same.
+    const auto flushed = [&](int status) {
+        out.flush();
+        return status;
+    };
+    try {
+        BusDaemon daemon(options.bus);
+        Context context{daemon, options, terminal, out};
+        return flushed(runCommand(context));
+    } catch (const Unreachable& loss) {
+        flushed(kUnreachable);
+        complain(loss.what());
+        std::fprintf(stderr, "%s\n", loss.advice().c_str());
+        return kUnreachable;
+    } catch (const Refused& refusal) {
+        flushed(kRefused);
+        complain(refusal.what());
+        return kRefused;
+    }
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+    // The write tells when the reader of a pipe has gone.
+    signal(SIGPIPE, SIG_IGN);
+    // Whether the terminal takes UTF-8; numbers stay as they are everywhere.
+    std::setlocale(LC_CTYPE, "");
+    try {
+        int status = kDone;
+        const auto options = parseOptions(argc, argv, status);
+        return options ? runOnBus(*options) : status;
+    } catch (const std::exception& error) {
+        complain(error.what());
+        return kRefused;
+    }
+}
+
+}  // namespace client
