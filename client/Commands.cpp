@@ -113,6 +113,7 @@ std::string valueLine(const std::string& address, const std::string& value, std:
 
 int complainOfUnmatched(Context& context, const Addresses& unmatched) {
     if (unmatched.empty()) return kDone;
+    context.out.flush();  // what was found comes first
     int status = kDone;
     const Addresses all = context.daemon.addresses();
     for (const std::string& path : unmatched) {
@@ -161,6 +162,7 @@ int set(Context& context) {
     const std::string after = context.daemon.value(path);
     const SetOutcome outcome = judgeSet(given, before, after);
     context.out.line(valueLine(path, after));
+    context.out.flush();
     if (!outcome.remark.empty()) complain(path + ": " + outcome.remark);
     return outcome.isTaken ? kDone : kRefused;
 }

@@ -42,8 +42,7 @@ Object parseObject(const std::string& text, std::string& error) {
     const json_tokener_error result = json_tokener_get_error(tokener.get());
     if (result != json_tokener_success) {
         error = "line " + lineOf(text, json_tokener_get_parse_end(tokener.get())) + ": " +
-                (result == json_tokener_continue ? "it stops half-way"
-                                                 : json_tokener_error_desc(result));
+                json_tokener_error_desc(result);
         return nullptr;
     }
     if (!json_object_is_type(object.get(), json_type_object)) {
