@@ -58,20 +58,17 @@ std::optional<Bounds> boundsOf(const Samples& samples) {
 }
 
 void drawLine(Field& field, const Samples& samples, const Bounds& bounds) {
+    const auto rowOf = [&](double sample) {
+        return Plot::rowOf(sample, bounds.lowest, bounds.highest, field.height());
+    };
     const std::size_t first = field.width() - samples.size();
-    std::optional<std::size_t> last;
     for (std::size_t i = 0; i < samples.size(); ++i) {
-        if (!samples[i]) {
-            last.reset();
-            continue;
-        }
-        const std::size_t row =
-            Plot::rowOf(*samples[i], bounds.lowest, bounds.highest, field.height());
-        std::size_t from = row;
+        if (!samples[i]) continue;
+        const std::size_t row = rowOf(*samples[i]);
+        const std::size_t last = i > 0 && samples[i - 1] ? rowOf(*samples[i - 1]) : row;
         // The one before keeps its own dot.
-        if (last && *last != row) from = *last < row ? *last + 1 : *last - 1;
+        const std::size_t from = last < row ? last + 1 : (last > row ? last - 1 : row);
         field.stroke(first + i, from, row);
-        last = row;
     }
 }
 
