@@ -15,7 +15,7 @@ namespace {
 
 using Saved = std::map<std::string, std::string>;
 
-constexpr std::size_t kLargestFile = 256 * 1024 * 1024;
+constexpr std::size_t kLargestFile = std::size_t{256} << 20U;
 
 // Nothing, and the reason, when it cannot be read to its end.
 std::optional<std::string> contentOf(const std::string& path, std::string& error) {

@@ -12,7 +12,7 @@
 namespace client {
 
 namespace {
-constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kPiece = std::size_t{64} << 10U;
 }
 
 void Output::line(std::string_view text) {

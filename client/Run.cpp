@@ -1,8 +1,7 @@
 #include "client/Run.h"
 
-#include <signal.h>
-
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -41,9 +40,9 @@ int runOnBus(const Options& options) {
 
 int run(int argc, const char* const* argv) {
     // The write tells when the reader of a pipe has gone.
-    signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
     // Whether the terminal takes UTF-8; numbers stay as they are everywhere.
-    std::setlocale(LC_CTYPE, "");
+    std::setlocale(LC_CTYPE, "");  // one thread; NOLINT(concurrency-mt-unsafe)
     try {
         int status = kDone;
         const auto options = parseOptions(argc, argv, status);

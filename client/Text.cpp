@@ -1,10 +1,9 @@
 #include "client/Text.h"
 
-#include <wchar.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cwchar>
 #include <iterator>
 
 namespace client {

@@ -39,7 +39,7 @@ struct Node {
 std::string takeName(const std::string& address, std::size_t& at, int level) {
     const std::size_t point = level < kDeepest ? address.find('.', at) : std::string::npos;
     const std::size_t end = point == std::string::npos ? address.size() : point + 1;
-    const std::string name = address.substr(at, end - at);
+    std::string name = address.substr(at, end - at);
     at = end;
     return name;
 }
