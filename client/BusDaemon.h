@@ -8,7 +8,8 @@
 
 namespace client {
 
-/// The daemon on a session bus, through the binding's proxy. Owns its connection. The binding's
+/// The daemon on a session bus, through the binding's proxy. Owns its connection. One call
+/// after the other: the binding crashes over the reply to a call that does not wait. The binding's
 /// exceptions end here: they become Unreachable or Refused.
 class BusDaemon : public Daemon {
   public:

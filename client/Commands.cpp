@@ -155,8 +155,9 @@ int set(Context& context) {
     try {
         context.daemon.set(path, given);
     } catch (const Refused& refusal) {
+        context.out.line(valueLine(path, context.daemon.value(path)));
+        context.out.flush();
         complain(path + " does not take this value: " + refusal.what());
-        complain(valueLine(path, context.daemon.value(path)));
         return kRefused;
     }
     const std::string after = context.daemon.value(path);
