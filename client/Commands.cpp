@@ -96,6 +96,18 @@ std::string reasonNotToSet(Daemon& daemon, const std::string& path) {
     return daemon.isWritable(path) ? "" : path + " is read-only";
 }
 
+// What is no object stands for itself.
+Addresses levelOf(const Addresses& all, const Addresses& paths) {
+    if (paths.empty()) return nextLevel(all, {});
+    Addresses level;
+    for (const std::string& path : paths) {
+        Addresses more = nextLevel(all, {path});
+        if (more.empty()) more = select(all, {path}).found;
+        level.insert(level.end(), more.begin(), more.end());
+    }
+    return level;
+}
+
 struct Row {
     const char* name;
     int (*run)(Context&);
@@ -109,6 +121,14 @@ constexpr Row kCommands[] = {{"get", get},   {"set", set},        {"list", list}
 
 std::string valueLine(const std::string& address, const std::string& value, std::size_t columns) {
     return padded(escaped(address), columns) + " = " + escaped(value);
+}
+
+std::string valueOrReason(Daemon& daemon, const std::string& address) {
+    try {
+        return daemon.value(address);
+    } catch (const Refused& refusal) {
+        return refusal.what();
+    }
 }
 
 int complainOfUnmatched(Context& context, const Addresses& unmatched) {
@@ -151,16 +171,16 @@ int set(Context& context) {
         complain(reason);
         return kRefused;
     }
-    const std::string before = context.daemon.value(path);
+    const std::string before = valueOrReason(context.daemon, path);
     try {
         context.daemon.set(path, given);
     } catch (const Refused& refusal) {
-        context.out.line(valueLine(path, context.daemon.value(path)));
+        context.out.line(valueLine(path, valueOrReason(context.daemon, path)));
         context.out.flush();
         complain(path + " does not take this value: " + refusal.what());
         return kRefused;
     }
-    const std::string after = context.daemon.value(path);
+    const std::string after = valueOrReason(context.daemon, path);
     const SetOutcome outcome = judgeSet(given, before, after);
     context.out.line(valueLine(path, after));
     context.out.flush();
@@ -174,7 +194,7 @@ int list(Context& context) {
         options.parametersOnly ? context.daemon.parameters() : context.daemon.addresses();
     const Selection selection = select(all, options.paths);
     for (const std::string& address :
-         options.level ? nextLevel(all, options.paths) : selection.found) {
+         options.level ? levelOf(all, options.paths) : selection.found) {
         if (options.level && options.parametersOnly && isObject(address)) continue;
         const std::string shown = escaped(address);
         context.out.line(isObject(address) ? context.terminal.name(shown) : shown);

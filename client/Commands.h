@@ -34,6 +34,9 @@ int runCommand(Context& context);
 /// Complains of what was not found, and says what to write instead. The exit status.
 int complainOfUnmatched(Context& context, const Addresses& unmatched);
 
+/// The value, or the reason why the daemon does not say it.
+std::string valueOrReason(Daemon& daemon, const std::string& address);
+
 /// A line `address = value`, escaped; \p columns is the room for the address.
 std::string valueLine(const std::string& address, const std::string& value,
                       std::size_t columns = 0);

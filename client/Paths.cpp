@@ -81,7 +81,9 @@ Addresses nextLevel(Addresses listed, const Addresses& objects) {
         });
     };
     if (objects.empty()) beneath("");
-    for (const std::string& object : objects) beneath(object);
+    for (const std::string& object : objects) {
+        if (isObject(object)) beneath(object);
+    }
     return level;
 }
 

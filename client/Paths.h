@@ -22,7 +22,7 @@ Selection select(Addresses listed, const Addresses& paths);
 Selection selectThemselves(Addresses listed, const Addresses& paths);
 
 /// The addresses one level beneath each of these objects, or at the top without any; where more
-/// follows they end with a point.
+/// follows they end with a point. Nothing for a path that is no object's.
 Addresses nextLevel(Addresses listed, const Addresses& objects);
 
 bool isObject(const std::string& path);

@@ -22,14 +22,6 @@ std::chrono::milliseconds intervalOf(const Context& context) {
         static_cast<long long>(context.options.intervalSeconds * 1000));
 }
 
-std::string valueOrReason(Daemon& daemon, const std::string& address) {
-    try {
-        return daemon.value(address);
-    } catch (const Refused& refusal) {
-        return refusal.what();
-    }
-}
-
 Round read(Daemon& daemon, const Addresses& addresses) {
     Round round;
     for (const std::string& address : addresses) round[address] = valueOrReason(daemon, address);

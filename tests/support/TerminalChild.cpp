@@ -9,31 +9,17 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <system_error>
 
 #include "tests/support/Box.h"
 
 namespace {
 
-constexpr int kCannotRun = 127;
-
 winsize sizeOf(unsigned short columns, unsigned short rows) {
     winsize size{};
     size.ws_col = columns;
     size.ws_row = rows;
     return size;
-}
-
-[[noreturn]] void become(const std::vector<std::string>& command,
-                         const Child::Environment& environment) {
-    for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
-    std::vector<char*> arguments;
-    for (const std::string& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    execvp(arguments[0], arguments.data());
-    _exit(kCannotRun);
 }
 
 }  // namespace
@@ -43,7 +29,7 @@ TerminalChild::TerminalChild(const std::vector<std::string>& command, unsigned s
     winsize size = sizeOf(columns, rows);
     pid_ = forkpty(&terminal_, nullptr, nullptr, &size);
     if (pid_ < 0) throw std::system_error(errno, std::generic_category(), "forkpty");
-    if (pid_ == 0) become(command, environment);
+    if (pid_ == 0) becomeProgram(command, environment);
     fcntl(terminal_, F_SETFD, FD_CLOEXEC);
 }
 

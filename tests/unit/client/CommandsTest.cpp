@@ -169,12 +169,24 @@ TEST_F(CommandsTest, SetTellsOfAValueThatDidNotTake) {
     EXPECT_NE(errors_.find("did not take"), std::string::npos);
 }
 
+TEST_F(CommandsTest, AValueThatIsTooLargeToReadCanBeReplaced) {
+    daemon_.refused["D.A.Mode"] = true;
+    daemon_.onSet = [this](auto& entry, const auto& value) {
+        daemon_.refused.clear();
+        entry.value = value;
+    };
+    EXPECT_EQ(set("D.A.Mode", "off"), kDone);
+    EXPECT_EQ(output_, "D.A.Mode = off\n");
+}
+
 TEST_F(CommandsTest, ListPrintsAddressesOrOneLevelOfThem) {
     EXPECT_EQ(run("list", {"D."}), kDone);
     EXPECT_EQ(output_, "D.A.\nD.A.Mode\nD.A.Rate\nD.Empty.\nD.Name\n");
     options_.level = true;
     EXPECT_EQ(run("list", {"D."}), kDone);
     EXPECT_EQ(output_, "D.A.\nD.Empty.\nD.Name\n");
+    EXPECT_EQ(run("list", {"*Rate", "D.A."}), kDone);
+    EXPECT_EQ(output_, "D.A.Rate\nD.A.Mode\nD.A.Rate\n");
     options_.parametersOnly = true;
     EXPECT_EQ(run("list", {"D."}), kDone);
     EXPECT_EQ(output_, "D.Name\n");

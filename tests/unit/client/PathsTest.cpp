@@ -66,6 +66,7 @@ TEST(PathsTest, TheNextLevelHasObjectsWithTheirPointEachOnce) {
               (Addresses{"Device.A.1.", "Device.A.10.", "Device.A.2."}));
     EXPECT_EQ(nextLevel({"Device.X.Y.Z"}, {"Device."}), Addresses{"Device.X."});
     EXPECT_TRUE(nextLevel(kListed, {"Device.B."}).empty());
+    EXPECT_TRUE(nextLevel(kListed, {"Device.A"}).empty());
 }
 
 }  // namespace
