@@ -36,10 +36,10 @@ SetOutcome judgeSet(const std::string& given, const std::string& before, const s
         if (wanted->isWholeText) return {true, "the same number, written in another way"};
         if (after != before) return {false, "only the number at its beginning was taken"};
     }
+    if (after == before) return {false, "it did not take: the parameter reads as before"};
     if (withoutTrailingBlanks(after) == withoutTrailingBlanks(given)) {
         return {true, "the white space at its end is not kept"};
     }
-    if (after == before) return {false, "it did not take: the parameter reads as before"};
     return {false, "it reads back as something else"};
 }
 

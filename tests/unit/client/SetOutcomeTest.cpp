@@ -33,6 +33,8 @@ TEST(SetOutcomeTest, LostWhiteSpaceAtTheEndIsToldButTaken) {
     EXPECT_NE(judgeSet("text \n", "old", "text").remark, "");
     EXPECT_TRUE(judgeSet("text", "old", "text\n").isTaken);
     EXPECT_TRUE(judgeSet("  ", "old", "").isTaken);
+    // A full disk looks the same then.
+    EXPECT_FALSE(judgeSet("text\n", "text", "text").isTaken);
 }
 
 TEST(SetOutcomeTest, AValueThatStaysAsItWasDidNotTake) {
