@@ -22,7 +22,9 @@ volatile sig_atomic_t resized = 0;
 
 // Safe in a signal handler; a terminal that is gone cannot be mended.
 void put(const char* text) {
+    const int error = errno;
     [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, text, std::strlen(text));
+    errno = error;
 }
 
 void leaveScreen() {
