@@ -1,5 +1,8 @@
 #include "client/Run.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -36,9 +39,19 @@ int runOnBus(const Options& options) {
     }
 }
 
+// The bus must not get the descriptor of a standard output that was closed.
+void openStandardDescriptors() {
+    for (int descriptor = 0; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) >= 0) continue;
+        // The lowest free one is taken.
+        if (open("/dev/null", O_RDWR) < 0) return;
+    }
+}
+
 }  // namespace
 
 int run(int argc, const char* const* argv) {
+    openStandardDescriptors();
     // The write tells when the reader of a pipe has gone.
     std::signal(SIGPIPE, SIG_IGN);
     // Whether the terminal takes UTF-8; numbers stay as they are everywhere.

@@ -292,6 +292,8 @@ TEST_F(TrctlTest, AReaderThatGoesEndsItInSilence) {
         EXPECT_TRUE(result.output == "0\n" || result.output == "141\n") << command << result.output;
         EXPECT_EQ(result.errors, "") << command;
     }
+    EXPECT_EQ(bash("\"$TRCTL\" set " + kHost + " 10.1.1.1 >&-").status, 0);
+    EXPECT_EQ(value(kHost), "10.1.1.1");
     const Result full = bash("\"$TRCTL\" list >/dev/full");
     EXPECT_EQ(full.status, 1);
     EXPECT_TRUE(has(full.errors, "No space left on device")) << full.errors;
