@@ -24,18 +24,12 @@ constexpr int kCannotRun = 127;
     const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     dup2(file, STDOUT_FILENO);
     dup2(file, STDERR_FILENO);
-    for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
     // A test may have SIGINT blocked or ignored; a daemon is started with neither.
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGINT, SIG_DFL);
-    std::vector<char*> arguments;
-    for (const std::string& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    execvp(arguments[0], arguments.data());
-    _exit(kCannotRun);
+    becomeProgram(command, environment);
 }
 
 pid_t spawn(const std::vector<std::string>& command, const std::string& output,
@@ -47,6 +41,16 @@ pid_t spawn(const std::vector<std::string>& command, const std::string& output,
 }
 
 }  // namespace
+
+void becomeProgram(const std::vector<std::string>& command, const Child::Environment& environment) {
+    for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+    std::vector<char*> arguments;
+    for (const std::string& argument : command)
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    _exit(kCannotRun);
+}
 
 std::ostream& operator<<(std::ostream& stream, const ExitStatus& status) {
     return stream << "status " << status.code << " signal " << status.signal;

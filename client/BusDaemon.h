@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "client/Daemon.h"
+
+namespace client {
+
+/// The daemon on a session bus, through the binding's proxy. Owns its connection. One call
+/// after the other: the binding crashes over the reply to a call that does not wait. The binding's
+/// exceptions end here: they become Unreachable or Refused.
+class BusDaemon : public Daemon {
+  public:
+    /// Connects to the bus at this address, or to the one that the environment names when it is
+    /// empty. Throws Unreachable.
+    explicit BusDaemon(const std::string& busAddress);
+    ~BusDaemon() override;
+
+    std::vector<std::string> addresses() override;
+    std::vector<std::string> parameters() override;
+    std::string value(const std::string& address) override;
+    bool isWritable(const std::string& address) override;
+    bool isForcedInform(const std::string& address) override;
+    void set(const std::string& address, const std::string& value) override;
+    std::string changes() override;
+
+  private:
+    struct Connected;
+    std::unique_ptr<Connected> connected_;
+};
+
+}  // namespace client

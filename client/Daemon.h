@@ -1,0 +1,49 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace client {
+
+/// The bus or the daemon on it cannot be reached, or no longer. `advice()` says what to do about
+/// it.
+class Unreachable : public std::runtime_error {
+  public:
+    Unreachable(const std::string& reason, std::string advice)
+        : std::runtime_error(reason), advice_(std::move(advice)) {}
+    const std::string& advice() const { return advice_; }
+
+  private:
+    std::string advice_;
+};
+
+/// The daemon answered, with an error.
+class Refused : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The running daemon as the commands see it; the tests have one without a bus. Every operation
+/// is one blocking call, on the program's only thread, and throws Unreachable or Refused.
+/// `isWritable`, `isForcedInform` and `set` make the daemon add an address that it does not have,
+/// so they are for listed addresses only.
+class Daemon {
+  public:
+    Daemon() = default;
+    virtual ~Daemon() = default;
+    Daemon(const Daemon&) = delete;
+    Daemon& operator=(const Daemon&) = delete;
+
+    /// Every address, objects (which end with a point) included.
+    virtual std::vector<std::string> addresses() = 0;
+    virtual std::vector<std::string> parameters() = 0;
+    virtual std::string value(const std::string& address) = 0;
+    virtual bool isWritable(const std::string& address) = 0;
+    virtual bool isForcedInform(const std::string& address) = 0;
+    virtual void set(const std::string& address, const std::string& value) = 0;
+    /// The pending change lines.
+    virtual std::string changes() = 0;
+};
+
+}  // namespace client

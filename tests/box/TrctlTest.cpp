@@ -1,0 +1,367 @@
+#include "tests/box/TrctlTest.h"
+
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+
+#include <algorithm>
+#include <csignal>
+
+namespace {
+
+const std::string kOutput = "/tmp/trctl-output";
+const std::string kErrors = "/tmp/trctl-errors";
+
+const std::string kConfig = "Device.Services.STBService.1.X_Kelm.Config.";
+const std::string kHost = kConfig + "SyslogHost";
+const std::string kInterval = "Device.Services.STBService.1.ServiceMonitoring.SampleInterval";
+const std::string kUpTime = "Device.DeviceInfo.UpTime";
+
+bool has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::ptrdiff_t linesOf(const std::string& text) {
+    return std::count(text.begin(), text.end(), '\n');
+}
+
+}  // namespace
+
+std::unique_ptr<Child> TrctlTest::begin(const Words& arguments) {
+    Words command = {"sh", "-c", "exec \"$@\" >" + kOutput + " 2>" + kErrors, "sh",
+                     KELM_TRCTL_PROGRAM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return std::make_unique<Child>(command, "/tmp/trctl-shell");
+}
+
+TrctlTest::Result TrctlTest::end(Child& trctl) {
+    const auto end = trctl.waitForEnd();
+    const bool byItself = end && end->signal == 0;
+    return {byItself ? end->code : -1, box::readFile(kOutput), box::readFile(kErrors)};
+}
+
+TrctlTest::Result TrctlTest::run(const Words& arguments) {
+    return end(*begin(arguments));
+}
+
+TrctlTest::Result TrctlTest::bash(const std::string& script) {
+    const std::string text = "TRCTL=" KELM_TRCTL_PROGRAM "\n" + script;
+    Child shell({"/usr/host/bin/bash", "-c", "exec >" + kOutput + " 2>" + kErrors + "\n" + text},
+                "/tmp/trctl-shell");
+    return end(shell);
+}
+
+std::string TrctlTest::printed() {
+    return box::readFile(kOutput);
+}
+
+namespace {
+
+TEST_F(TrctlTest, GetPrintsWhatTheBusReads) {
+    start();
+    EXPECT_EQ(run({"get", "Device.DeviceInfo.Manufacturer"}).output,
+              "Device.DeviceInfo.Manufacturer = KELM\n");
+    const Result all = run({"get", "Device."});
+    EXPECT_EQ(all.status, 0);
+    EXPECT_EQ(linesOf(all.output),
+              static_cast<std::ptrdiff_t>(client().listParametersOnly().list.size()));
+    EXPECT_EQ(linesOf(run({"get", "Device.IP.Interface.?.Name"}).output), 2);
+    const Result unknown = run({"get", "Device.Nope"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.errors, "trctl: there is no Device.Nope\n");
+}
+
+TEST_F(TrctlTest, SetWritesAndReadsBack) {
+    start();
+    const Result result = run({"set", kHost, "10.0.0.9"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, kHost + " = 10.0.0.9\n");
+    EXPECT_EQ(box::readFile("/var/kelm/syslog_host"), "10.0.0.9");
+    EXPECT_EQ(run({"set", kHost, ""}).status, 0);
+    EXPECT_EQ(value(kHost), "");
+    EXPECT_EQ(run({"set", kHost, "-5"}).output, kHost + " = -5\n");
+    EXPECT_EQ(run({"set", kInterval, "+7"}).status, 0);
+}
+
+TEST_F(TrctlTest, SetIsRefusedWithTheReasonWhereTheBusIsSilent) {
+    start();
+    const Result readOnly = run({"set", kUpTime, "1"});
+    EXPECT_EQ(readOnly.status, 1);
+    EXPECT_EQ(readOnly.errors, "trctl: " + kUpTime + " is read-only\n");
+    const Result unknown = run({"set", "Device.Nope", "1"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.errors, "trctl: there is no parameter Device.Nope\n");
+    const Result text = run({"set", kInterval, "abc"});
+    EXPECT_EQ(text.status, 1);
+    EXPECT_TRUE(has(text.errors, "Logic error")) << text.errors;
+    const Result bytes = run({"set", kHost, "\xff"});
+    EXPECT_EQ(bytes.status, 1);
+    EXPECT_TRUE(has(bytes.errors, "not valid UTF-8")) << bytes.errors;
+}
+
+TEST_F(TrctlTest, SetTellsWhatReadsBackInAnotherWay) {
+    start();
+    const Result cut = run({"set", kInterval, "42abc"});
+    EXPECT_EQ(cut.status, 1);
+    EXPECT_EQ(cut.output, kInterval + " = 42\n");
+    EXPECT_TRUE(has(cut.errors, "only the number at its beginning")) << cut.errors;
+}
+
+TEST_F(TrctlTest, SetOnADiskWithoutRoomSaysThatItDidNotTake) {
+    ASSERT_EQ(mount("none", "/var/kelm", "tmpfs", 0, "size=64k"), 0);
+    start();
+    ASSERT_EQ(run({"set", kHost, "10.0.0.1"}).status, 0);
+    const Result result = run({"set", kHost, std::string(100'000, 'x')});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, kHost + " = 10.0.0.1\n");
+    EXPECT_TRUE(has(result.errors, "did not take")) << result.errors;
+}
+
+TEST_F(TrctlTest, WhatATerminalWouldObeyIsEscapedAndStaysWholeInJson) {
+    start();
+    box::writeFile("/var/kelm/syslog_host", "a\x1b[31m\n\xC2\x9B\xE2\x80\xAE\\b");
+    EXPECT_EQ(run({"get", kHost}).output, kHost + " = a\\x1b[31m\\n\\u009b\\u202e\\\\b\n");
+    EXPECT_EQ(run({"get", "--json", kHost}).output,
+              "{\n  \"" + kHost + "\": \"a\\u001b[31m\\n\\u009b\\u202e\\\\b\"\n}\n");
+    box::writeFile("/tmp/saved.json", printed());
+    EXPECT_EQ(run({"diff", "/tmp/saved.json", kHost}).status, 0);
+}
+
+TEST_F(TrctlTest, NoCommandAddsAnAddress) {
+    start();
+    box::writeFile("/tmp/saved.json", R"({"Device.Nope": "1", "Device.Gone.": "2"})");
+    const Words before = listed();
+    for (const char* path : {"Device.Nope", "Device.Nope.", "Nope*", "", ".", "Device.IP", "[",
+                             "Device.DeviceInfo.UpTime.", "\xff"}) {
+        for (const char* command : {"get", "list", "tree", "info", "watch"}) {
+            EXPECT_EQ(run({command, path}).status, 1) << command << ' ' << path;
+        }
+        EXPECT_EQ(run({"set", path, "1"}).status, 1) << path;
+        EXPECT_EQ(run({"diff", "/tmp/saved.json", path}).status, 1) << path;
+    }
+    run({"changes"});
+    run({"tree"});
+    run({"info", "*"});
+    EXPECT_EQ(listed(), before);
+}
+
+TEST_F(TrctlTest, TreeAndListHaveEveryAddress) {
+    start();
+    const auto all = static_cast<std::ptrdiff_t>(listed().size());
+    EXPECT_EQ(linesOf(run({"list"}).output), all);
+    EXPECT_GE(linesOf(run({"tree"}).output), all);
+    EXPECT_TRUE(has(printed(), "├── ")) << printed();
+    EXPECT_TRUE(has(printed(), "Manufacturer = KELM\n"));
+    EXPECT_FALSE(has(run({"tree", "--ascii"}).output, "├"));
+    EXPECT_EQ(bash("LC_ALL=C \"$TRCTL\" tree Device.IP.").output,
+              run({"tree", "--ascii", "Device.IP."}).output);
+    EXPECT_EQ(run({"list", "--level", "Device."}).output,
+              "Device.DeviceInfo.\nDevice.Ethernet.\nDevice.IP.\nDevice.Services.\n");
+}
+
+TEST_F(TrctlTest, InfoTellsTheSettings) {
+    start();
+    EXPECT_EQ(run({"info", "Device.DeviceInfo.Manufacturer"}).output,
+              "address        Device.DeviceInfo.Manufacturer\nkind           parameter\n"
+              "value          KELM\nwritable       no\nforced inform  yes\n");
+    EXPECT_TRUE(has(run({"info", kHost}).output, "writable       yes\n"));
+}
+
+TEST_F(TrctlTest, DiffFindsTheSettingThatChanged) {
+    start();
+    ASSERT_EQ(run({"get", "--json", "Device."}).status, 0);
+    box::writeFile("/tmp/saved.json", printed());
+    EXPECT_EQ(run({"diff", "/tmp/saved.json", kConfig}).status, 0);
+    EXPECT_EQ(printed(), "");
+    ASSERT_TRUE(client().set(kHost, "10.0.0.9").ok);
+    EXPECT_EQ(run({"diff", "/tmp/saved.json", kConfig}).status, 1);
+    EXPECT_EQ(printed(), "- " + kHost + " = 192.168.1.1\n+ " + kHost + " = 10.0.0.9\n");
+    EXPECT_EQ(run({"diff", "/tmp/saved.json"}).status, 1);
+    EXPECT_EQ(bash("\"$TRCTL\" diff - '" + kConfig + "' </tmp/saved.json").status, 1);
+}
+
+TEST_F(TrctlTest, DiffTellsOfWhatOnlyOneSideHas) {
+    start();
+    box::writeFile("/tmp/saved.json", R"({"Device.Old.A": "1"})");
+    EXPECT_EQ(run({"diff", "/tmp/saved.json", "Device.Old.", kHost}).status, 1);
+    EXPECT_EQ(printed(), "- Device.Old.A = 1\n+ " + kHost + " = 192.168.1.1\n");
+}
+
+TEST_F(TrctlTest, DiffWithAFileThatIsNoneOfOursEndsWithTwo) {
+    start();
+    for (const char* text : {"", "{", "[]", "{\"a\": 1}", "a = b\n", "{\"a\":\"b\"} x"}) {
+        box::writeFile("/tmp/saved.json", text);
+        const Result result = run({"diff", "/tmp/saved.json"});
+        EXPECT_EQ(result.status, 2) << text;
+        EXPECT_TRUE(has(result.errors, "trctl: /tmp/saved.json: ")) << result.errors;
+        EXPECT_EQ(result.output, "");
+    }
+    EXPECT_EQ(run({"diff", "/tmp/missing"}).status, 2);
+    EXPECT_EQ(run({"diff", "/tmp"}).errors, "trctl: /tmp: Is a directory\n");
+}
+
+TEST_F(TrctlTest, ChangesPrintsTheLinesOfTheCycleAndMarksABadOne) {
+    start();
+    EXPECT_EQ(run({"changes"}).output, "");
+    const std::string ssid = "Device.Services.STBService.1.X_Kelm.WiFiStatus.SSID";
+    watch({kUpTime, ssid});
+    ASSERT_TRUE(box::waitUntil([] { return has(run({"changes"}).output, kUpTime); }));
+    EXPECT_EQ(run({"changes"}).status, 0);
+    box::writeFile("/run/kelm-box/iw/wlan0",
+                   "Connected to 9c:3d:cf:12:ab:ef (on wlan0)\n\tSSID: say \"hi\"\n");
+    ASSERT_TRUE(box::waitUntil([] { return run({"changes"}).status == 1; }));
+    EXPECT_TRUE(has(printed(), "bad (")) << printed();
+    EXPECT_TRUE(has(printed(), "say \"hi\"")) << printed();
+}
+
+TEST_F(TrctlTest, WatchPrintsChangesUntilItIsInterrupted) {
+    start();
+    const auto trctl = begin({"watch", "--interval", "0.1", kHost, "Device.IP."});
+    int round = 0;
+    // The first look may come after the first of these.
+    ASSERT_TRUE(box::waitUntil([&] {
+        client().set(kHost, "10.0.0." + std::to_string(++round % 200));
+        return linesOf(printed()) >= 2;
+    }));
+    trctl->send(SIGINT);
+    const Result result = end(*trctl);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.output.substr(8, kHost.size() + 3), " " + kHost + ": ");
+    EXPECT_TRUE(has(result.output, " -> 10.0.0.")) << result.output;
+}
+
+TEST_F(TrctlTest, AnInterruptEndsWatchAlsoWhileTheDaemonHangs) {
+    start();
+    const auto trctl = begin({"watch", "--interval", "0.05", kHost});
+    int round = 0;
+    ASSERT_TRUE(box::waitUntil([&] {
+        client().set(kHost, std::to_string(++round));
+        return linesOf(printed()) >= 1;
+    }));
+    daemon().send(SIGSTOP);
+    trctl->send(SIGINT);
+    EXPECT_EQ(end(*trctl).status, 0);
+    daemon().send(SIGCONT);
+}
+
+TEST_F(TrctlTest, WatchEndsWithThreeWhenTheDaemonDies) {
+    start();
+    const auto trctl = begin({"watch", "--interval", "0.1"});
+    ASSERT_TRUE(box::waitUntil([] { return has(printed(), kUpTime); }));
+    daemon().send(SIGKILL);
+    const Result result = end(*trctl);
+    EXPECT_EQ(result.status, 3);
+    EXPECT_TRUE(has(result.errors, "kelm-trd")) << result.errors;
+}
+
+TEST_F(TrctlTest, WatchEndsWithThreeWhenTheBusDies) {
+    start();
+    const auto trctl = begin({"watch", "--interval", "0.1"});
+    ASSERT_TRUE(box::waitUntil([] { return has(printed(), kUpTime); }));
+    bus().kill();
+    const Result result = end(*trctl);
+    EXPECT_EQ(result.status, 3);
+    EXPECT_TRUE(has(result.errors, "--bus ADDRESS")) << result.errors;
+}
+
+TEST_F(TrctlTest, WithoutADaemonOrABusTheStatusIsThreeWithAdvice) {
+    startBus();
+    const Result noDaemon = run({"get", kUpTime});
+    EXPECT_EQ(noDaemon.status, 3);
+    EXPECT_TRUE(has(noDaemon.errors, "Start kelm-trd")) << noDaemon.errors;
+    for (const char* address : {"unix:path=/tmp/no-bus", "nonsense", ";", "unix:"}) {
+        const Result noBus = run({"--bus", address, "get", kUpTime});
+        EXPECT_EQ(noBus.status, 3) << address;
+        EXPECT_TRUE(has(noBus.errors, "--bus ADDRESS")) << noBus.errors;
+    }
+}
+
+TEST_F(TrctlTest, TheBusOnTheCommandLineComesFirst) {
+    start();
+    EXPECT_EQ(bash("DBUS_SESSION_BUS_ADDRESS=unix:path=/nope \"$TRCTL\" get " + kUpTime +
+                   " --bus " + bus().address())
+                  .status,
+              0);
+}
+
+TEST_F(TrctlTest, AReaderThatGoesEndsItInSilence) {
+    start();
+    for (const char* command : {"list", "get Device.", "tree", "--help", "watch --interval 0.1"}) {
+        const Result result =
+            bash(std::string("\"$TRCTL\" ") + command + " | true; echo ${PIPESTATUS[0]}");
+        EXPECT_TRUE(result.output == "0\n" || result.output == "141\n") << command << result.output;
+        EXPECT_EQ(result.errors, "") << command;
+    }
+    EXPECT_EQ(bash("\"$TRCTL\" set " + kHost + " 10.1.1.1 >&-").status, 0);
+    EXPECT_EQ(value(kHost), "10.1.1.1");
+    const Result full = bash("\"$TRCTL\" list >/dev/full");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_TRUE(has(full.errors, "No space left on device")) << full.errors;
+}
+
+TEST_F(TrctlTest, TenThousandParametersAreNoTrouble) {
+    start();
+    // The flag query is what adds an address.
+    for (int i = 0; i < 10'000; ++i) {
+        client().getWritable("Device.Many." + std::to_string(i % 100) + ".P" + std::to_string(i));
+    }
+    EXPECT_EQ(linesOf(run({"get", "Device.Many."}).output), 10'000);
+    EXPECT_EQ(linesOf(run({"tree", "Device.Many."}).output), 10'101);
+    EXPECT_EQ(linesOf(run({"list", "--level", "Device.Many."}).output), 100);
+    ASSERT_EQ(run({"get", "--json", "Device.Many."}).status, 0);
+    box::writeFile("/tmp/saved.json", printed());
+    EXPECT_EQ(run({"diff", "/tmp/saved.json", "Device.Many."}).status, 0);
+}
+
+TEST_F(TrctlTest, AnOverLargeValueHidesNoOther) {
+    start();
+    ASSERT_EQ(std::system("truncate -s 128M /var/kelm/TZ"), 0);
+    const Result result = run({"get", kConfig});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(has(result.output, kHost)) << result.output;
+    EXPECT_TRUE(has(result.errors, "larger than the bus carries")) << result.errors;
+}
+
+// What bash would offer for a command line whose last word is being typed.
+std::string completions(const std::string& words, const std::string& extra = "") {
+    return "source " KELM_TRCTL_COMPLETION "\n" + extra + "COMP_WORDS=(\"$TRCTL\" " + words +
+           ")\nCOMP_LINE=\"${COMP_WORDS[*]}\"\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_trctl\n"
+           "((${#COMPREPLY[@]} == 0)) || printf '%s\\n' \"${COMPREPLY[@]}\"\n";
+}
+
+TEST_F(TrctlTest, CompletionOffersCommandsAndTheirOptions) {
+    start();
+    EXPECT_EQ(bash(completions("wa")).output, "watch\n");
+    EXPECT_EQ(bash(completions("''")).output, "get\nset\nlist\ntree\ninfo\nwatch\ndiff\nchanges\n");
+    EXPECT_EQ(bash(completions("watch --p")).output, "--plot\n");
+    EXPECT_EQ(bash(completions("list --")).output,
+              "--help\n--bus\n--color\n--parameters\n--level\n");
+    EXPECT_EQ(bash(completions("--color a")).output, "auto\nalways\n");
+}
+
+TEST_F(TrctlTest, CompletionOffersTheRunningDaemonsAddressesLevelByLevel) {
+    start();
+    EXPECT_EQ(bash(completions("get ''")).output, "Device.\n");
+    EXPECT_EQ(bash(completions("get Device.")).output,
+              "Device.DeviceInfo.\nDevice.Ethernet.\nDevice.IP.\nDevice.Services.\n");
+    EXPECT_EQ(bash(completions("watch --interval 5 Device.DeviceInfo.U")).output, kUpTime + "\n");
+    EXPECT_EQ(bash(completions("set " + kConfig + "Sys")).output, kHost + "\n");
+    EXPECT_EQ(bash(completions("set " + kHost + " Dev")).output, "");
+    EXPECT_EQ(bash(completions("get Device.Nope.")).output, "");
+    const std::string elsewhere = bus().address();
+    EXPECT_EQ(bash(completions("--bus " + elsewhere + " get Device.I",
+                               "export DBUS_SESSION_BUS_ADDRESS=unix:path=/nope\n"))
+                  .output,
+              "Device.IP.\n");
+}
+
+TEST_F(TrctlTest, AnAddressCannotGetACommandIntoTheCommandLine) {
+    start();
+    client().getWritable("Evil.$(touch /tmp/evil)`touch /tmp/evil`;touch /tmp/evil");
+    const Result result = bash(completions("get Evil."));
+    EXPECT_TRUE(has(result.output, "Evil.\\$\\(touch\\ /tmp/evil\\)")) << result.output;
+    EXPECT_EQ(bash("test -e /tmp/evil").status, 1);
+    EXPECT_EQ(result.errors, "");
+}
+
+}  // namespace
