@@ -11,7 +11,6 @@ set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_OUTPUT_FILE_PREFIX ${CMAKE_BINARY_DIR}/packages CACHE PATH "Where cpack leaves the packages")
 set(CPACK_STRIP_FILES ON)
 # /etc and /var are absolute and have to be collected too.
 set(CPACK_SET_DESTDIR ON)
@@ -21,8 +20,8 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 
 # The units' bus, and the tool that waits for it.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "dbus-daemon, dbus-bin")
-set(KELM_ARMHF_DEPENDS "libc6 (>= 2.36), libdbus-1-3 (>= 1.9.14), libdbus-c++-1-0v5 (>= 0.9.0), libgcc-s1 (>= 3.5),"
-                       "libjson-c5 (>= 0.15), libstdc++6 (>= 12)")
+set(KELM_ARMHF_DEPENDS "libc6 (>= 2.34), libdbus-1-3 (>= 1.9.14), libdbus-c++-1-0v5 (>= 0.9.0), libgcc-s1 (>= 3.5),"
+                       "libjson-c5 (>= 0.15), libstdc++6 (>= 11)")
 if(CMAKE_CROSSCOMPILING)
   # dpkg-shlibdeps wants the foreign libraries' packages installed; a sysroot has no record of them. A test compares
   # this list with what the program asks for.
