@@ -47,10 +47,11 @@ finish() {
 
 # call MEMBER ARGUMENT...: a method of the daemon.
 call() {
-    local member=$1
+    local member=$1 got
     shift
-    dbus-send --bus="$DBUS_SESSION_BUS_ADDRESS" --print-reply=literal --reply-timeout=5000 --dest=com.kelm.stb.TR \
-        /com/kelm/stb/TR "com.kelm.stb.TR.$member" "$@" | sed 's/^ *//'
+    got=$(dbus-send --bus="$DBUS_SESSION_BUS_ADDRESS" --print-reply=literal --reply-timeout=5000 \
+        --dest=com.kelm.stb.TR /com/kelm/stb/TR "com.kelm.stb.TR.$member" "$@") || return
+    [ -z "$got" ] || echo "$got" | sed "s/^ *//"
 }
 answers() { says KELM call get_value string:Device.DeviceInfo.Manufacturer; }
 readonly syslog_host=Device.Services.STBService.1.X_Kelm.Config.SyslogHost
