@@ -54,3 +54,23 @@ sandbox() {
         --unshare-pid --unshare-net --unshare-ipc --unshare-uts --unshare-cgroup --hostname stb --cap-add ALL \
         --die-with-parent --clearenv --setenv PATH /usr/sbin:/usr/bin:/sbin:/bin --setenv LC_ALL C.UTF-8 "$@"
 }
+
+# boot OPTION... COMMAND...: the same, the command being the first process, which stays. See inside.
+boot() {
+    sandbox --as-pid-1 --info-fd 3 "$@" 3>"$scratch/info" >"$scratch/log" 2>&1 </dev/null &
+    within 10 grep -q child-pid "$scratch/info" || skip "no box: $(cat "$scratch/log")"
+    sandbox_pid=$(sed -n 's/.*"child-pid": \([0-9]*\).*/\1/p' "$scratch/info")
+}
+
+# A command in what was booted.
+inside() {
+    nsenter --target "$sandbox_pid" --mount --uts --ipc --net --pid --cgroup -- \
+        env -i --chdir=/ PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 \
+        DBUS_SESSION_BUS_ADDRESS="$DBUS_SESSION_BUS_ADDRESS" "$@"
+}
+
+# The same with the words of check.sh, the daemon's methods among them.
+ask() {
+    # shellcheck disable=SC2016  # for the shell inside
+    inside bash -c '. /mnt/check.sh; "$@"' bash "$@"
+}
