@@ -3,9 +3,9 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "kelm-trd developers <kelm-trd@kelm.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "TR-069 parameters of an IPTV set-top box on D-Bus")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-    "The daemon keeps the box's TR-069 parameters in memory, refreshes them every five
-seconds and serves them on the session bus to the box's CWMP client. A session
-bus for boxes without one comes along.")
+    "The daemon keeps the box's TR-069 parameters in memory, refreshes them every
+five seconds and serves them on the session bus to the box's CWMP client. A
+session bus for boxes without one comes along.")
 set(CPACK_DEBIAN_PACKAGE_NAME kelm-trd)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
