@@ -30,8 +30,10 @@ fresh_root() {
     echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/kelm-test"
 }
 
+# A test that has more to take away than its processes and files has a function leave_nothing.
 clean_up() {
     [[ ! ${sandbox_pid-} ]] || { kill -KILL "$sandbox_pid" && wait "$sandbox_pid"; } 2>/dev/null || true
+    [[ $(type -t leave_nothing) != function ]] || leave_nothing
     [[ ! $scratch ]] || rm -rf "$scratch"
 }
 
