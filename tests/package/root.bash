@@ -1,0 +1,78 @@
+# Sourced by the tests that install the package into a Debian root of their own. All of it is gone when they end.
+# shellcheck shell=bash disable=SC2034  # what is left for others
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
+repository=${here%/*/*}
+scratch=
+# shellcheck source=tests/package/check.sh
+source "$here/check.sh"
+
+# The status with which CTest counts a test as skipped.
+skip() {
+    echo "skipped: $*"
+    exit 77
+}
+
+# Leaves a fresh root folder in `root`.
+fresh_root() {
+    local said
+    ((EUID == 0)) || skip "only root may make a Debian root"
+    said=$(bwrap --ro-bind / / --unshare-pid --unshare-net --unshare-cgroup true 2>&1) || skip "no namespaces: $said"
+    mkdir -p "$repository/build"
+    # Tests run side by side; one of them makes it.
+    said=$(flock "$repository/build/root-amd64.lock" "$repository/scripts/root-amd64" 2>&1) ||
+        skip "no Debian root: ${said##*$'\n'}"
+    scratch=$(mktemp -d "$repository/build/package-test.XXXXXX")
+    trap clean_up EXIT
+    root=$scratch/root
+    mkdir "$root"
+    tar --extract --file="$repository/build/root-amd64.tar" --directory="$root"
+    echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/kelm-test"
+}
+
+# A test that has more to take away than its processes and files has a function leave_nothing.
+clean_up() {
+    [[ ! ${sandbox_pid-} ]] || { kill -KILL "$sandbox_pid" && wait "$sandbox_pid"; } 2>/dev/null || true
+    [[ $(type -t leave_nothing) != function ]] || leave_nothing
+    [[ ! $scratch ]] || rm -rf "$scratch"
+}
+
+# build_package BUILD_FOLDER VERSION: leaves it in `package`. The dates in it do not matter.
+build_package() {
+    local folder=$scratch/packages/$2
+    mkdir -p "$folder"
+    cpack --config "$1/CPackConfig.cmake" -B "$folder" -D CPACK_PACKAGE_VERSION="$2" >"$folder/log" 2>&1 || {
+        cat "$folder/log"
+        exit 1
+    }
+    rm -rf "$folder/_CPack_Packages"
+    package=$(echo "$folder"/*.deb)
+}
+
+# sandbox OPTION... COMMAND...: a command in the root, alone with itself. Its root is root and may become others.
+sandbox() {
+    bwrap --bind "$root" / --dev /dev --proc /proc --ro-bind /proc/sys /proc/sys --tmpfs /sys --tmpfs /run \
+        --perms 1777 --tmpfs /tmp --ro-bind "$here" /mnt --ro-bind "$scratch/packages" /media --chdir / \
+        --unshare-pid --unshare-net --unshare-ipc --unshare-uts --unshare-cgroup --hostname stb --cap-add ALL \
+        --die-with-parent --clearenv --setenv PATH /usr/sbin:/usr/bin:/sbin:/bin --setenv LC_ALL C.UTF-8 "$@"
+}
+
+# boot OPTION... COMMAND...: the same, the command being the first process, which stays. See inside.
+boot() {
+    sandbox --as-pid-1 --info-fd 3 "$@" 3>"$scratch/info" >"$scratch/log" 2>&1 </dev/null &
+    within 10 grep -q child-pid "$scratch/info" || skip "no box: $(cat "$scratch/log")"
+    sandbox_pid=$(sed -n 's/.*"child-pid": \([0-9]*\).*/\1/p' "$scratch/info")
+}
+
+# A command in what was booted.
+inside() {
+    nsenter --target "$sandbox_pid" --mount --uts --ipc --net --pid --cgroup -- \
+        env -i --chdir=/ PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 \
+        DBUS_SESSION_BUS_ADDRESS="$DBUS_SESSION_BUS_ADDRESS" "$@"
+}
+
+# The same with the words of check.sh, the daemon's methods among them.
+ask() {
+    # shellcheck disable=SC2016  # for the shell inside
+    inside bash -c '. /mnt/check.sh; "$@"' bash "$@"
+}
