@@ -38,7 +38,7 @@ class DeviceInfoDataProvider : public BaseDataProvider {
 
     bool updateValues() override;
     bool load() override;
-    /// Writes the four live figures; false without a store.
+    /// Writes the live figures; false without a store.
     bool store() override;
 
   private:

@@ -7,7 +7,7 @@
 namespace TR {
 
 /// The fixed description of the box's media abilities (TR-135 `Capabilities` and `Components`) and
-/// the five configuration parameters that live in files under /var/kelm. Measures nothing and keeps
+/// the configuration parameters that live in files under /var/kelm. Measures nothing and keeps
 /// nothing: every refresh writes the same subtree again; the files are read by the store and
 /// written by D-Bus `set`.
 class StaticDataProvider : public BaseDataProvider {

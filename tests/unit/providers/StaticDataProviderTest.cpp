@@ -15,6 +15,19 @@ using TR::Value;
 
 const std::string kService = "Device.Services.STBService.1.";
 
+struct FileParameter {
+    const char* name;
+    const char* file;
+};
+
+constexpr FileParameter kFileParameters[] = {
+    {"UpdateType", "/var/kelm/update_type"},
+    {"UpdateServer", "/var/kelm/update_server.tr69"},
+    {"TimeZone", "/var/kelm/TZ"},
+    {"ProvisionServer", "/var/kelm/provision_server.tr69"},
+    {"SyslogHost", "/var/kelm/syslog_host"},
+};
+
 class StaticDataProviderTest : public ::testing::Test {
   protected:
     Value& at(const std::string& name) { return storage_[Address(kService + name)]; }
@@ -42,9 +55,8 @@ TEST_F(StaticDataProviderTest, PublishesNothingElse) {
     std::set<std::string> expected = {"Device.", "Device.Services.", "Device.Services.STBService.",
                                       kService};
     for (const ListedParameter& listed : kListedParameters) expected.insert(kService + listed.name);
-    for (const char* name :
-         {"UpdateType", "UpdateServer", "TimeZone", "ProvisionServer", "SyslogHost"}) {
-        expected.insert(kService + "X_Kelm.Config." + name);
+    for (const FileParameter& parameter : kFileParameters) {
+        expected.insert(kService + "X_Kelm.Config." + parameter.name);
     }
     std::set<std::string> published;
     for (const Address& address : storage_.listAddresses()) published.insert(address.get());
@@ -75,16 +87,9 @@ TEST_F(StaticDataProviderTest, TheThreeAudioListsDifferInTheirThirdItemAndLength
     EXPECT_EQ(mpeg4[10].text, "DOLBY-AC3");
 }
 
-TEST_F(StaticDataProviderTest, TheFiveConfigurationParametersAreWritableAndFileBacked) {
+TEST_F(StaticDataProviderTest, TheConfigurationParametersAreWritableAndFileBacked) {
     provider_.store();
-    const std::pair<const char*, const char*> files[] = {
-        {"UpdateType", "/var/kelm/update_type"},
-        {"UpdateServer", "/var/kelm/update_server.tr69"},
-        {"TimeZone", "/var/kelm/TZ"},
-        {"ProvisionServer", "/var/kelm/provision_server.tr69"},
-        {"SyslogHost", "/var/kelm/syslog_host"},
-    };
-    for (const auto& [name, file] : files) {
+    for (const auto& [name, file] : kFileParameters) {
         const Value& value = at(std::string("X_Kelm.Config.") + name);
         EXPECT_EQ(value, Value(std::string())) << name;
         EXPECT_TRUE(value.isMutableByUser()) << name;
