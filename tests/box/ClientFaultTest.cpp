@@ -165,8 +165,9 @@ TEST_F(ClientFaultTest, ClientsThatDieInTheMiddleOfTheirCallsHarmNobody) {
 }
 
 TEST_F(ClientFaultTest, AClientThatNeverReadsItsRepliesHarmsNobody) {
+    // Its two thousand lists come first; under a sanitizer that takes its time.
+    client().setTimeout(std::chrono::minutes(5));
     const faults::ClientThatNeverReads rude(bus().address());
-    // Some of its replies are there at the end, so all that the bus keeps for it has been met.
     waitForCycles(1);
     for (int i = 0; i < 200; ++i) EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM");
     EXPECT_TRUE(rude.isThere()) << "the client is gone too early";
