@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <string>
 
 #include "tests/box/TrctlTest.h"
@@ -78,6 +79,14 @@ TEST_F(TrctlTerminalTest, APlotIsDrawnAndTheTerminalIsRestored) {
     trctl.type("\x03");
     ASSERT_TRUE(trctl.waitForEnd().has_value());
     EXPECT_EQ(*trctl.waitForEnd(), (ExitStatus{0, 0}));
+    EXPECT_EQ(trctl.screen().rfind(kLeave), trctl.screen().size() - kLeave.size());
+}
+
+TEST_F(TrctlTerminalTest, APlotThatIsQuitGivesTheTerminalBackAndEndsByTheSignal) {
+    TerminalChild trctl = onTerminal({"watch", "--plot", "--interval", "0.1", kUpTime}, {});
+    ASSERT_TRUE(trctl.waitForText("\x1b[J"));
+    trctl.type("\x1c");
+    EXPECT_EQ(trctl.waitForEnd(), (ExitStatus{0, SIGQUIT}));
     EXPECT_EQ(trctl.screen().rfind(kLeave), trctl.screen().size() - kLeave.size());
 }
 
