@@ -4,9 +4,13 @@
 #include <sys/mount.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 
 namespace {
+
+// Ten thousand calls through an emulator take a minute on a busy machine.
+constexpr std::chrono::minutes kDeadline{3};
 
 const std::string kOutput = "/tmp/trctl-output";
 const std::string kErrors = "/tmp/trctl-errors";
@@ -34,7 +38,7 @@ std::unique_ptr<Child> TrctlTest::begin(const Words& arguments) {
 }
 
 TrctlTest::Result TrctlTest::end(Child& trctl) {
-    const auto end = trctl.waitForEnd();
+    const auto end = trctl.waitForEnd(kDeadline);
     const bool byItself = end && end->signal == 0;
     return {byItself ? end->code : -1, box::readFile(kOutput), box::readFile(kErrors)};
 }
