@@ -35,7 +35,7 @@ function(kelm_gtest)
   if(T_LABEL)
     set(labels ${T_LABEL})
   endif()
-  gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 600)
+  gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 300)
 endfunction()
 
 # kelm_program_folder(VARIABLE programs...): the folder from which tests start these programs by name. Of a

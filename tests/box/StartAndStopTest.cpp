@@ -14,6 +14,13 @@ namespace {
 
 class StartAndStopTest : public DaemonTest {
   protected:
+    /// Starts the daemon and waits until its notify command, so many seconds slow, is under way.
+    void startAndAwaitNotify(int seconds) {
+        start();
+        box::setFault("ubus", "slow " + std::to_string(seconds));
+        watch({"Device.DeviceInfo.UpTime"});
+        ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    }
     void expectTheSecondInterruptToEndIt() {
         daemon().send(SIGINT);
         // A blocked signal is pending until main has taken the first one; only then is the second
@@ -51,28 +58,19 @@ TEST_F(StartAndStopTest, TwoInterruptsEndAtOnceWithStatus255WhileACommandIsSlow)
 }
 
 TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
-    start();
-    box::setFault("ubus", "slow 30");
-    watch({"Device.DeviceInfo.UpTime"});
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    ASSERT_NO_FATAL_FAILURE(startAndAwaitNotify(30));
     expectTheSecondInterruptToEndIt();
 }
 
 TEST_F(StartAndStopTest, ADaemonKilledWhileTheNotifyCommandRunsGivesItsNameUp) {
-    start();
-    box::setFault("ubus", "slow 60");
-    watch({"Device.DeviceInfo.UpTime"});
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    ASSERT_NO_FATAL_FAILURE(startAndAwaitNotify(60));
     daemon().send(SIGKILL);
     expectEnd({0, SIGKILL});
     EXPECT_TRUE(box::waitUntil([this] { return client().owner().empty(); }));
 }
 
 TEST_F(StartAndStopTest, AnInterruptWhileTheNotifyCommandRunsIsNotLost) {
-    start();
-    box::setFault("ubus", "slow 2");
-    watch({"Device.DeviceInfo.UpTime"});
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    ASSERT_NO_FATAL_FAILURE(startAndAwaitNotify(2));
     daemon().send(SIGINT);
     expectEnd({0, 0});
 }

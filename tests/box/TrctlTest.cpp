@@ -4,13 +4,9 @@
 #include <sys/mount.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 
 namespace {
-
-// Ten thousand calls through an emulator take a minute on a busy machine.
-constexpr std::chrono::minutes kDeadline{3};
 
 // An emulator takes ten times as long for each: a tenth of them there.
 #ifdef KELM_EMULATED
@@ -45,7 +41,7 @@ std::unique_ptr<Child> TrctlTest::begin(const Words& arguments) {
 }
 
 TrctlTest::Result TrctlTest::end(Child& trctl) {
-    const auto end = trctl.waitForEnd(kDeadline);
+    const auto end = trctl.waitForEnd();
     const bool byItself = end && end->signal == 0;
     return {byItself ? end->code : -1, box::readFile(kOutput), box::readFile(kErrors)};
 }
