@@ -26,5 +26,6 @@ set(ENV{PKG_CONFIG_LIBDIR} "${KELM_PKG_CONFIG_FOLDERS}")
 # Named for each start, as the kernel need not know what to do with a foreign program.
 find_program(KELM_EMULATOR qemu-arm DOC "Runs the tests; without it they can be built only")
 if(KELM_EMULATOR)
-  set(CMAKE_CROSSCOMPILING_EMULATOR "${KELM_EMULATOR};-L;${KELM_SYSROOT}")
+  get_filename_component(KELM_LAUNCHER "${CMAKE_CURRENT_LIST_DIR}/../box/emulate" ABSOLUTE)
+  set(CMAKE_CROSSCOMPILING_EMULATOR "${KELM_LAUNCHER};${KELM_EMULATOR};${KELM_SYSROOT}")
 endif()

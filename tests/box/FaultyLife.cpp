@@ -64,7 +64,9 @@ FaultyLife::FaultyLife(const Script& script) {
     } catch (const std::exception& error) {
         complaint_ = error.what();
     }
-    if (!complaint_.empty() && daemon_) complaint_ += "\n" + endOf(daemon_->output());
+    if (complaint_.empty() || !daemon_) return;
+    complaint_ += daemon_->isRunning() ? "; the daemon runs\n" : "; the daemon has ended\n";
+    complaint_ += endOf(daemon_->output());
 }
 
 std::string FaultyLife::valueIn(const Tree& tree, const std::string& address) {
