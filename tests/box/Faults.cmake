@@ -10,7 +10,7 @@ target_compile_definitions(
   fault_tests PRIVATE KELM_TRD_PROGRAM="${KELM_PROGRAM_FOLDER}/kelm-trd"
                       KELM_FAULT_SHIM="$<TARGET_FILE:faultshim>")
 kelm_start_in_box(fault_tests)
-kelm_precompile(fault_tests)
+target_precompile_headers(fault_tests REUSE_FROM precompiled)
 add_dependencies(fault_tests kelm-trd faultshim)
 
 function(fault_group name filter)
