@@ -1,7 +1,7 @@
-# kelm_gtest(NAME name SOURCES files... LIBS libraries... [BOX] [LABEL label]): one GoogleTest program, each case
-# its own CTest test. With BOX every case is started in a virtual box of its own (box/box), so that it may touch the
-# daemon's fixed paths; a host that cannot make one reports those cases as skipped, with the reason. A
-# cross-compiled program is started through the toolchain's emulator, in the box as well.
+# kelm_gtest(NAME name SOURCES files... LIBS libraries... [BOX] [LABEL label] [ENVIRONMENT variable=value]): one
+# GoogleTest program, each case its own CTest test. With BOX every case is started in a virtual box of its own
+# (box/box), so that it may touch the daemon's fixed paths; a host that cannot make one reports those cases as skipped,
+# with the reason. A cross-compiled program is started through the toolchain's emulator, in the box as well.
 include(GoogleTest)
 find_package(GTest REQUIRED)
 
@@ -22,7 +22,7 @@ function(kelm_start_in_box target)
 endfunction()
 
 function(kelm_gtest)
-  cmake_parse_arguments(T "BOX" "NAME;LABEL" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(T "BOX" "NAME;LABEL;ENVIRONMENT" "SOURCES;LIBS" ${ARGN})
   add_executable(${T_NAME} ${T_SOURCES})
   target_link_libraries(${T_NAME} PRIVATE ${T_LIBS} GTest::gtest GTest::gtest_main kelm_warnings)
   target_include_directories(${T_NAME} PRIVATE ${PROJECT_SOURCE_DIR})
@@ -36,7 +36,11 @@ function(kelm_gtest)
   if(T_LABEL)
     set(labels ${T_LABEL})
   endif()
-  gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 300)
+  set(environment)
+  if(T_ENVIRONMENT)
+    set(environment ENVIRONMENT ${T_ENVIRONMENT})
+  endif()
+  gtest_discover_tests(${T_NAME} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${labels} TIMEOUT 300 ${environment})
 endfunction()
 
 # kelm_program_folder(VARIABLE programs...): the folder from which tests start these programs by name. Of a
