@@ -1,5 +1,7 @@
 // trd-tree: looks at the parameter tree that a running daemon serves on the session bus.
 
+#include "box/client/TrClient.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -13,8 +15,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "box/client/TrClient.h"
 
 namespace {
 
@@ -88,13 +88,9 @@ std::string oneLine(const std::string& value) {
 
 // Cuts between characters, not within one.
 std::string shortened(const std::string& value, std::size_t limit) {
-    if (value.size() <= limit) {
-        return value;
-    }
+    if (value.size() <= limit) return value;
     std::size_t end = limit;
-    while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xc0U) == 0x80U) {
-        --end;
-    }
+    while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xc0U) == 0x80U) --end;
     return value.substr(0, end) + "... (" + std::to_string(value.size()) + " bytes)";
 }
 
@@ -127,12 +123,8 @@ int waitForCycle(TrClient& client, const Options& options) {
         steady_clock::now() + milliseconds(static_cast<long long>(options.deadlineSeconds * 1000));
     std::fprintf(stderr, "trd-tree: waiting for the first cycle\n");
     while (client.connected() && interrupted == 0) {
-        if (!client.owner().empty() && cycleIsOver(client)) {
-            return 0;
-        }
-        if (steady_clock::now() >= deadline) {
-            break;
-        }
+        if (!client.owner().empty() && cycleIsOver(client)) return 0;
+        if (steady_clock::now() >= deadline) break;
         std::this_thread::sleep_for(kLook);
     }
     std::fprintf(stderr, "trd-tree: no first cycle%s\n",
@@ -143,12 +135,9 @@ int waitForCycle(TrClient& client, const Options& options) {
 int dump(TrClient& client, const Options&) {
     TrReply failure;
     const std::optional<Tree> tree = readTree(client, failure);
-    if (!tree) {
-        return complain(failure);
-    }
-    for (const Parameter& parameter : *tree) {
+    if (!tree) return complain(failure);
+    for (const Parameter& parameter : *tree)
         std::printf("%s %s\n", parameter.address.c_str(), oneLine(parameter.value).c_str());
-    }
     return 0;
 }
 
@@ -172,16 +161,12 @@ std::optional<std::string> listLine(TrClient& client, const std::string& address
 int list(TrClient& client, const Options&) {
     const TrReply addresses = client.listAddresses();
     const TrReply parameters = client.listParametersOnly();
-    if (!addresses.ok || !parameters.ok) {
-        return complain(addresses.ok ? parameters : addresses);
-    }
+    if (!addresses.ok || !parameters.ok) return complain(addresses.ok ? parameters : addresses);
     const std::set<std::string> isParameter(parameters.list.begin(), parameters.list.end());
     for (const std::string& address : addresses.list) {
         TrReply failure;
         const auto line = listLine(client, address, isParameter.count(address) != 0, failure);
-        if (!line) {
-            return complain(failure);
-        }
+        if (!line) return complain(failure);
         std::printf("%s\n", line->c_str());
     }
     return 0;
@@ -189,9 +174,7 @@ int list(TrClient& client, const Options&) {
 
 int count(TrClient& client, const Options&) {
     const TrReply list = client.listParametersOnly();
-    if (!list.ok) {
-        return complain(list);
-    }
+    if (!list.ok) return complain(list);
     std::printf("%zu\n", list.list.size());
     return 0;
 }
@@ -248,20 +231,14 @@ const std::vector<Group>& groups() {
 int extract(TrClient& client, const Options&) {
     TrReply failure;
     const std::optional<Tree> tree = readTree(client, failure);
-    if (!tree) {
-        return complain(failure);
-    }
+    if (!tree) return complain(failure);
     std::map<std::string, std::string> values;
-    for (const Parameter& parameter : *tree) {
-        values[parameter.address] = parameter.value;
-    }
+    for (const Parameter& parameter : *tree) values[parameter.address] = parameter.value;
     for (const Group& group : groups()) {
         bool titled = false;
         for (const char* name : group.names) {
             const auto found = values.find(std::string(group.prefix) + name);
-            if (found == values.end()) {
-                continue;
-            }
+            if (found == values.end()) continue;
             if (!titled) {
                 std::printf("%s  (%s)\n", group.title, group.prefix);
                 titled = true;
@@ -285,17 +262,13 @@ void printChanges(const std::map<std::string, std::string>& before,
                   const std::map<std::string, std::string>& after) {
     for (const auto& [address, value] : after) {
         const auto old = before.find(address);
-        if (old == before.end()) {
+        if (old == before.end())
             printChange(address, "(none)", oneLine(value));
-        } else if (old->second != value) {
+        else if (old->second != value)
             printChange(address, oneLine(old->second), oneLine(value));
-        }
     }
-    for (const auto& [address, value] : before) {
-        if (after.count(address) == 0) {
-            printChange(address, oneLine(value), "(gone)");
-        }
-    }
+    for (const auto& [address, value] : before)
+        if (after.count(address) == 0) printChange(address, oneLine(value), "(gone)");
     std::fflush(stdout);
 }
 
@@ -305,25 +278,16 @@ int watch(TrClient& client, const Options& options) {
     while (interrupted == 0) {
         TrReply failure;
         const std::optional<Tree> tree = readTree(client, failure);
-        if (interrupted != 0) {
-            break;
-        }
-        if (!tree) {
-            return complain(failure);
-        }
+        if (interrupted != 0) break;
+        if (!tree) return complain(failure);
         std::map<std::string, std::string> after;
-        for (const Parameter& parameter : *tree) {
-            after[parameter.address] = parameter.value;
-        }
-        if (before) {
-            printChanges(*before, after);
-        }
+        for (const Parameter& parameter : *tree) after[parameter.address] = parameter.value;
+        if (before) printChanges(*before, after);
         before = std::move(after);
         // In short steps, as SIGINT does not end a sleep.
         const auto next = steady_clock::now() + interval;
-        while (interrupted == 0 && steady_clock::now() < next) {
+        while (interrupted == 0 && steady_clock::now() < next)
             std::this_thread::sleep_for(std::min(kLook, interval));
-        }
     }
     return 0;
 }
@@ -337,11 +301,8 @@ constexpr Action kActions[] = {{"wait", waitForCycle}, {"dump", dump},       {"l
                                {"count", count},       {"extract", extract}, {"watch", watch}};
 
 const Action* findAction(const std::string& name) {
-    for (const Action& action : kActions) {
-        if (name == action.name) {
-            return &action;
-        }
-    }
+    for (const Action& action : kActions)
+        if (name == action.name) return &action;
     return nullptr;
 }
 
@@ -357,9 +318,7 @@ bool takeOption(const std::string& name, const std::string& value, Options& opti
         options.bus = value;
         return true;
     }
-    if (name == "--deadline") {
-        return readSeconds(value, options.deadlineSeconds);
-    }
+    if (name == "--deadline") return readSeconds(value, options.deadlineSeconds);
     return name == "--interval" && readSeconds(value, options.intervalSeconds);
 }
 
@@ -369,9 +328,8 @@ std::optional<Options> parse(const std::vector<std::string>& arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (argument.rfind("--", 0) == 0) {
-            if (i + 1 >= arguments.size() || !takeOption(argument, arguments[i + 1], options)) {
+            if (i + 1 >= arguments.size() || !takeOption(argument, arguments[i + 1], options))
                 return std::nullopt;
-            }
             ++i;
         } else if (options.action.empty()) {
             options.action = argument;
@@ -403,8 +361,6 @@ int main(int argc, char** argv) {
     }
     std::signal(SIGINT, [](int) { interrupted = 1; });
     TrClient client(options->bus.empty() ? sessionBus() : options->bus);
-    if (!client.connected()) {
-        return complain(client.connectError());
-    }
+    if (!client.connected()) return complain(client.connectError());
     return findAction(options->action)->run(client, *options);
 }

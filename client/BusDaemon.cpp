@@ -1,12 +1,13 @@
 #include "client/BusDaemon.h"
 
-#include <TR_proxy.h>
 #include <dbus-c++/dbus.h>
 #include <dbus/dbus.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
+
+#include <TR_proxy.h>
 
 namespace client {
 
@@ -121,9 +122,8 @@ bool BusDaemon::isForcedInform(const std::string& address) {
 
 void BusDaemon::set(const std::string& address, const std::string& value) {
     // libdbus ends the process over such a text.
-    if (dbus_validate_utf8(value.c_str(), nullptr) == FALSE) {
+    if (dbus_validate_utf8(value.c_str(), nullptr) == FALSE)
         throw Refused("The value is not valid UTF-8, and the bus carries nothing else");
-    }
     translated([&] { connected_->proxy.set(address, value); });
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "client/Daemon.h"
+
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "client/Daemon.h"
 
 namespace client {
 

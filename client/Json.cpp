@@ -87,12 +87,10 @@ std::string faultOfChangeLine(const std::string& line) {
     if (object == nullptr) return error;
     for (const char* key : {"parameter", "value", "notification"}) {
         json_object* member = nullptr;
-        if (json_object_object_get_ex(object.get(), key, &member) == 0) {
+        if (json_object_object_get_ex(object.get(), key, &member) == 0)
             return std::string("it has no \"") + key + '"';
-        }
-        if (!json_object_is_type(member, json_type_string)) {
+        if (!json_object_is_type(member, json_type_string))
             return std::string("\"") + key + "\" is no text";
-        }
     }
     return {};
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <functional>
-
 #include "stb/src/common/NSTime.h"
+
+#include <functional>
 
 namespace TR {
 

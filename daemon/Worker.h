@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "stb/src/common/NSTime.h"
 #include "stb/src/common/STBThread.h"
+
+#include <memory>
 
 namespace TR {
 

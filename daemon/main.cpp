@@ -1,11 +1,3 @@
-#include <malloc.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <memory>
-
 #include "daemon/ClockStep.h"
 #include "daemon/Interrupt.h"
 #include "daemon/StopTask.h"
@@ -13,6 +5,14 @@
 #include "dbus/DBusWorker.h"
 #include "model/Storage.h"
 #include "stb/src/common/STBLogger.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+
+#include <malloc.h>
+#include <unistd.h>
 
 namespace {
 
@@ -60,9 +60,8 @@ void signalHandler(int) {
 void waitForEnd() {
     TR::ClockStep clockStep;
     while (worker->isOnline() || stopTask().isUnderWay()) {
-        if (TR::Interrupt::wait(stopRequested ? kStoppingPollInterval : kPollInterval)) {
+        if (TR::Interrupt::wait(stopRequested ? kStoppingPollInterval : kPollInterval))
             signalHandler(SIGINT);
-        }
         if (!stopRequested && dbusWorker->isBusLost()) exitWithoutBus();
         if (clockStep.shouldWakeSleepers()) worker->notify();
     }

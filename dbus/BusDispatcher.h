@@ -1,13 +1,14 @@
 #pragma once
 
+#include "stb/inc/private/pthread_helper.h"
+
 #include <dbus-c++/dbus.h>
-#include <poll.h>
 
 #include <atomic>
 #include <memory>
 #include <vector>
 
-#include "stb/inc/private/pthread_helper.h"
+#include <poll.h>
 
 namespace TR {
 

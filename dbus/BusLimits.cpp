@@ -1,11 +1,11 @@
 #include "dbus/BusLimits.h"
 
+#include "stb/src/common/Files.h"
+#include "stb/src/common/NSRegExp.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
-
-#include "stb/src/common/NSRegExp.h"
-#include "stb/src/common/Utils.h"
 
 namespace TR::BusLimits {
 
@@ -44,14 +44,12 @@ std::vector<std::string> elementTexts(std::string xml, const std::string& patter
 std::optional<std::uint64_t> sizeIn(const std::string& configuration, int depth) {
     const std::string xml = withoutComments(configuration);
     std::optional<std::uint64_t> size;
-    for (const auto& text : elementTexts(
-             xml, "<limit[^>]*name=[\"']max_message_size[\"'][^>]*>[[:space:]]*([0-9]+)")) {
+    for (const auto& text :
+         elementTexts(xml, "<limit[^>]*name=[\"']max_message_size[\"'][^>]*>[[:space:]]*([0-9]+)"))
         size = std::strtoull(text.c_str(), nullptr, 10);
-    }
     if (depth == 0) return size;
-    for (const auto& file : elementTexts(xml, "<include[^>d]*>[[:space:]]*([^<]+)</include>")) {
+    for (const auto& file : elementTexts(xml, "<include[^>d]*>[[:space:]]*([^<]+)</include>"))
         if (const auto included = sizeIn(Utils::getFileContent(file), depth - 1)) size = included;
-    }
     return size;
 }
 

@@ -1,11 +1,11 @@
 #include "dbus/DBusWorker.h"
 
-#include <string>
-
 #include "dbus/BusLimits.h"
 #include "dbus/IncomingFilter.h"
 #include "dbus/TRDBusAdaptor.h"
 #include "stb/src/common/STBLogger.h"
+
+#include <string>
 
 namespace TR {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "dbus/BusDispatcher.h"
 #include "stb/src/common/STBThread.h"
+
+#include <memory>
 
 class TRDBusAdaptor;
 

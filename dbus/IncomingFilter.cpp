@@ -1,10 +1,10 @@
 #include "dbus/IncomingFilter.h"
 
+#include "dbus/TRDBusAdaptor.h"
+
 #include <dbus/dbus.h>
 
 #include <string>
-
-#include "dbus/TRDBusAdaptor.h"
 
 namespace TR {
 

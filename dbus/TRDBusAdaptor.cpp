@@ -1,13 +1,14 @@
 #include "dbus/TRDBusAdaptor.h"
 
-#include <exception>
-#include <new>
-#include <utility>
-
 #include "dbus/BusLimits.h"
 #include "dbus/Utf8.h"
 #include "model/Storage.h"
-#include "stb/src/common/Utils.h"
+#include "stb/src/common/Commands.h"
+#include "stb/src/common/Files.h"
+
+#include <exception>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -66,43 +67,48 @@ void TRDBusAdaptor::write(const std::string& address, const std::string& value) 
     const pthread_helper::scoped_lock lock(storage_->getStorageMutex());
     TR::Value& stored = (*storage_)[TR::Address(address)];
     if (!stored.isMutableByUser()) return;
-    if (!stored.filePathToStoreValue().empty()) {
+    if (!stored.filePathToStoreValue().empty())
         TR::Utils::setFileContent(stored.filePathToStoreValue(), value);
-    } else if (!stored.getPathInConfig().empty()) {
+    else if (!stored.getPathInConfig().empty())
         TR::Utils::getCmdOutput(kUciSet + stored.getPathInConfig() + "=\"" + value + '"');
-    } else if (!stored.setByUserWithConversion(value)) {
+    else if (!stored.setByUserWithConversion(value))
         throw DBus::ErrorFailed("Logic error");
-    }
 }
 
 std::string TRDBusAdaptor::get_value(const std::string& address) {
     return guarded([&] {
-        return carried(readStore(storage_, [&](TR::Storage& storage) {
-            return storage.getValueCopy(TR::Address(address)).toString();
-        }));
+        return carried(readStore(
+            storage_,
+            [&](TR::Storage& storage) {
+                return storage.getValueCopy(TR::Address(address)).toString();
+            }));
     });
 }
 
 std::string TRDBusAdaptor::getWritable(const std::string& address) {
     return guarded([&] {
-        return readStore(storage_, [&](TR::Storage& storage) {
-            return std::string(flag(storage[TR::Address(address)].isMutableByUser()));
-        });
+        return readStore(
+            storage_,
+            [&](TR::Storage& storage) {
+                return std::string(flag(storage[TR::Address(address)].isMutableByUser()));
+            });
     });
 }
 
 std::string TRDBusAdaptor::getForcedInform(const std::string& address) {
     return guarded([&] {
-        return readStore(storage_, [&](TR::Storage& storage) {
-            return std::string(flag(storage[TR::Address(address)].isForcedInform()));
-        });
+        return readStore(
+            storage_,
+            [&](TR::Storage& storage) {
+                return std::string(flag(storage[TR::Address(address)].isForcedInform()));
+            });
     });
 }
 
 std::vector<std::string> TRDBusAdaptor::listAddresses() {
     return guarded([&] {
-        return carried(texts(
-            readStore(storage_, [](TR::Storage& storage) { return storage.listAddresses(); })));
+        return carried(texts(readStore(
+            storage_, [](TR::Storage& storage) { return storage.listAddresses(); })));
     });
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "TR_adaptor.h"
+
 #include <dbus-c++/dbus.h>
 
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "TR_adaptor.h"
 
 namespace TR {
 class Storage;

@@ -34,9 +34,8 @@ bool continues(std::string_view text, std::size_t position, const Sequence& sequ
     if (!isContinuation(text, position + 1)) return false;
     const unsigned char second = byteAt(text, position + 1);
     if (second < sequence.secondLow || second > sequence.secondHigh) return false;
-    for (std::size_t i = 2; i < sequence.length; ++i) {
+    for (std::size_t i = 2; i < sequence.length; ++i)
         if (!isContinuation(text, position + i)) return false;
-    }
     return true;
 }
 

@@ -1,5 +1,8 @@
 #include "model/NotifTable.h"
 
+#include "stb/src/common/Commands.h"
+#include "stb/src/common/Files.h"
+
 #include <json-c/json.h>
 
 #include <algorithm>
@@ -7,8 +10,6 @@
 #include <ostream>
 #include <sstream>
 #include <utility>
-
-#include "stb/src/common/Utils.h"
 
 namespace TR {
 
@@ -57,9 +58,8 @@ void NotifTable::parseJsonLine(const std::string& line, std::string& parameter, 
                                                             {"value", &value},
                                                             {"notification", &notification},
                                                             {"type", &type}};
-    for (const auto& [key, text] : members) {
+    for (const auto& [key, text] : members)
         if (!readMember(object.get(), key, *text)) return;
-    }
 }
 
 std::string NotifTable::checkValueChange() const {

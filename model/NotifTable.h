@@ -1,13 +1,13 @@
 #pragma once
 
+#include "model/Address.h"
+#include "model/Value.h"
+#include "stb/inc/private/pthread_helper.h"
+
 #include <iosfwd>
 #include <map>
 #include <string>
 #include <vector>
-
-#include "model/Address.h"
-#include "model/Value.h"
-#include "stb/inc/private/pthread_helper.h"
 
 namespace TR {
 

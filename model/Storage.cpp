@@ -1,10 +1,11 @@
 #include "model/Storage.h"
 
+#include "stb/src/common/Commands.h"
+#include "stb/src/common/Files.h"
+#include "stb/src/common/Text.h"
+
 #include <string>
 #include <utility>
-
-#include "stb/src/common/Trim.h"
-#include "stb/src/common/Utils.h"
 
 namespace TR {
 
@@ -43,12 +44,10 @@ Value Storage::getValueCopy(const Address& address) const {
     const auto entry = values_.find(address);
     if (entry == values_.end()) return {};
     const Value& stored = entry->second;
-    if (!stored.filePathToStoreValue().empty()) {
+    if (!stored.filePathToStoreValue().empty())
         return Value(Utils::getFileContent(stored.filePathToStoreValue()));
-    }
-    if (!stored.getPathInConfig().empty()) {
+    if (!stored.getPathInConfig().empty())
         return Value(Utils::trimRight(Utils::getCmdOutput(kUciGet + stored.getPathInConfig())));
-    }
     return stored;
 }
 
@@ -62,9 +61,8 @@ std::vector<Address> Storage::listAddresses() const {
 std::vector<Address> Storage::listParametersOnly() const {
     std::vector<Address> addresses;
     addresses.reserve(values_.size());
-    for (const auto& [address, value] : values_) {
+    for (const auto& [address, value] : values_)
         if (value.getType() != Value::Type::Object) addresses.push_back(address);
-    }
     return addresses;
 }
 

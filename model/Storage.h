@@ -1,12 +1,12 @@
 #pragma once
 
-#include <map>
-#include <vector>
-
 #include "model/Address.h"
 #include "model/NotifTable.h"
 #include "model/Value.h"
 #include "stb/inc/private/pthread_helper.h"
+
+#include <map>
+#include <vector>
 
 namespace TR {
 

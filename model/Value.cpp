@@ -1,24 +1,10 @@
 #include "model/Value.h"
 
-#include <optional>
-#include <stdexcept>
+#include "stb/src/common/Text.h"
+
 #include <utility>
 
 namespace TR {
-
-namespace {
-
-std::optional<std::int64_t> leadingNumber(const std::string& text) {
-    try {
-        return std::stoll(text, nullptr, 10);
-    } catch (const std::invalid_argument&) {
-        return std::nullopt;
-    } catch (const std::out_of_range&) {
-        return std::nullopt;
-    }
-}
-
-}  // namespace
 
 Value::Value() : Value(Type::Undefined) {}
 
@@ -103,7 +89,7 @@ bool Value::setByUserWithConversion(const std::string& text) {
         firstElement().text = text;
         return true;
     }
-    if (const auto number = leadingNumber(text)) {
+    if (const auto number = Utils::leadingNumber(text)) {
         firstElement().integer = *number;
         type_ = Type::Integer;
         return true;
@@ -129,11 +115,10 @@ std::string Value::toString() const& {
     const char* separator = "";
     for (const ValueHolder& element : elements_) {
         joined += separator;
-        if (type_ == Type::Integer) {
+        if (type_ == Type::Integer)
             joined += std::to_string(element.integer);
-        } else {
+        else
             joined += element.text;
-        }
         separator = ", ";
     }
     return joined;

@@ -1,6 +1,12 @@
 #include "providers/DeviceInfoDataProvider.h"
 
-#include <sys/socket.h>
+#include "model/Storage.h"
+#include "providers/InterfaceList.h"
+#include "stb/src/common/Commands.h"
+#include "stb/src/common/Files.h"
+#include "stb/src/common/JsonEscape.h"
+#include "stb/src/common/SystemTexts.h"
+#include "stb/src/common/Text.h"
 
 #include <array>
 #include <cstdlib>
@@ -8,11 +14,7 @@
 #include <memory>
 #include <utility>
 
-#include "model/Storage.h"
-#include "providers/InterfaceList.h"
-#include "stb/src/common/Format.h"
-#include "stb/src/common/Trim.h"
-#include "stb/src/common/Utils.h"
+#include <sys/socket.h>
 
 namespace TR {
 
@@ -146,9 +148,8 @@ std::string DeviceInfoDataProvider::macAddress() const {
     const auto list = InterfaceList::read();
     if (!list) return {};
     std::string address;
-    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next) {
+    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next)
         if (isIdentityLink(*entry)) address = serialText(InterfaceList::hardwareAddress(*entry));
-    }
     return address;
 }
 

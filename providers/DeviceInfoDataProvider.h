@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "model/Value.h"
 #include "providers/BaseDataProvider.h"
+
+#include <string>
 
 namespace TR {
 

@@ -1,11 +1,11 @@
 #include "providers/FrontEndDataProvider.h"
 
-#include <utility>
-
 #include "model/Storage.h"
 #include "providers/FrontEndParsing.h"
-#include "stb/src/common/Format.h"
-#include "stb/src/common/Utils.h"
+#include "stb/src/common/Commands.h"
+#include "stb/src/common/Text.h"
+
+#include <utility>
 
 namespace TR {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "providers/BaseDataProvider.h"
+#include "stb/src/common/NSTime.h"
+
 #include <cstdint>
 #include <set>
 #include <string>
-
-#include "providers/BaseDataProvider.h"
-#include "stb/src/common/NSTime.h"
 
 namespace TR {
 

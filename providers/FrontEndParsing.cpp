@@ -1,8 +1,8 @@
 #include "providers/FrontEndParsing.h"
 
-#include <sstream>
-
 #include "stb/src/common/NSRegExp.h"
+
+#include <sstream>
 
 namespace TR::Igmp {
 
@@ -52,9 +52,8 @@ std::set<std::string> groupAddresses(const std::vector<std::string>& netstatLine
     const NSRegExp groupAddress(kGroupAddress);
     std::set<std::string> addresses;
     std::vector<std::string> match;
-    for (const std::string& line : netstatLines) {
+    for (const std::string& line : netstatLines)
         if (contains(line, "udp") && groupAddress.match(line, match)) addresses.insert(match[0]);
-    }
     return addresses;
 }
 

@@ -1,10 +1,10 @@
 #include "providers/InterfaceList.h"
 
-#include <netpacket/packet.h>
-#include <sys/socket.h>
-
 #include <algorithm>
 #include <cstring>
+
+#include <netpacket/packet.h>
+#include <sys/socket.h>
 
 namespace TR {
 

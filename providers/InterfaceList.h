@@ -1,10 +1,10 @@
 #pragma once
 
-#include <ifaddrs.h>
-
 #include <array>
 #include <memory>
 #include <optional>
+
+#include <ifaddrs.h>
 
 namespace TR {
 

@@ -28,9 +28,8 @@ NetworkStats NetworkCounters::stats() const {
     stats.multicastPacketsReceived = totals_[MulticastReceived];
     // Some drivers count multicasts that they then drop, and either counter may have wrapped before
     // the first reading.
-    if (totals_[PacketsReceived] > totals_[MulticastReceived]) {
+    if (totals_[PacketsReceived] > totals_[MulticastReceived])
         stats.unicastPacketsReceived = totals_[PacketsReceived] - totals_[MulticastReceived];
-    }
     stats.unicastPacketsSent = totals_[PacketsSent];
     return stats;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "providers/NetworkStats.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-
-#include "providers/NetworkStats.h"
 
 namespace TR {
 

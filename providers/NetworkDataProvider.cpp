@@ -1,16 +1,17 @@
 #include "providers/NetworkDataProvider.h"
 
-#include <net/if.h>
+#include "model/Storage.h"
+#include "providers/NetworkText.h"
+#include "providers/NetworkTree.h"
+#include "stb/src/common/Commands.h"
+#include "stb/src/common/Files.h"
+#include "stb/src/common/NSRegExp.h"
 
 #include <iterator>
 #include <optional>
 #include <utility>
 
-#include "model/Storage.h"
-#include "providers/NetworkText.h"
-#include "providers/NetworkTree.h"
-#include "stb/src/common/NSRegExp.h"
-#include "stb/src/common/Utils.h"
+#include <net/if.h>
 
 namespace TR {
 
@@ -74,9 +75,8 @@ void NetworkDataProvider::publish(NetworkTree& tree) const {
 
 void NetworkDataProvider::filterInterfaces() {
     static const NSRegExp own(kOwnInterfaces);
-    for (auto link = links_.begin(); link != links_.end();) {
+    for (auto link = links_.begin(); link != links_.end();)
         link = own.match(link->first) ? std::next(link) : links_.erase(link);
-    }
 }
 
 void NetworkDataProvider::updateInterface(const std::string& name, const NetworkLink& link) {
@@ -102,9 +102,8 @@ void NetworkDataProvider::updateVanished(Interface& interface) {
     interface.counters.vanished();
     interface.duplexMode = Interface::DuplexMode::Auto;
     interface.maxBitRate = 0;
-    if (interface.status != Interface::Status::NotPresent) {
+    if (interface.status != Interface::Status::NotPresent)
         interface.changeStatus(Interface::Status::NotPresent);
-    }
 }
 
 void NetworkDataProvider::updateWiFi(Interface& interface) {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <string>
-
 #include "providers/BaseDataProvider.h"
 #include "providers/NetworkInterface.h"
 #include "providers/NetworkLinks.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
 
 namespace TR {
 

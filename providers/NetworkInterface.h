@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <iosfwd>
-#include <string>
-
 #include "providers/NetworkCounters.h"
 #include "providers/NetworkStats.h"
 #include "stb/src/common/NSTime.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
 
 namespace TR {
 

@@ -1,17 +1,17 @@
 #include "providers/NetworkLinks.h"
 
-#include <linux/if_link.h>
-#include <netdb.h>
-#include <netinet/in.h>
-#include <netpacket/packet.h>
-#include <sys/socket.h>
+#include "providers/InterfaceList.h"
+#include "stb/src/common/Text.h"
 
 #include <array>
 #include <cstddef>
 #include <cstring>
 
-#include "providers/InterfaceList.h"
-#include "stb/src/common/Format.h"
+#include <linux/if_link.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netpacket/packet.h>
+#include <sys/socket.h>
 
 namespace TR {
 
@@ -53,9 +53,8 @@ NetworkLink linkOf(const ifaddrs& entry) {
 std::string hostText(const sockaddr* address) {
     std::array<char, NI_MAXHOST> text{};
     if (address == nullptr || getnameinfo(address, sizeof(sockaddr_in), text.data(), text.size(),
-                                          nullptr, 0, NI_NUMERICHOST) != 0) {
+                                          nullptr, 0, NI_NUMERICHOST) != 0)
         return {};
-    }
     return text.data();
 }
 
@@ -73,13 +72,11 @@ std::optional<NetworkLinks> readNetworkLinks() {
     const auto list = InterfaceList::read();
     if (!list) return std::nullopt;
     NetworkLinks links;
-    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next) {
+    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next)
         if (InterfaceList::isOfFamily(*entry, AF_PACKET))
             links.emplace(entry->ifa_name, linkOf(*entry));
-    }
-    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next) {
+    for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next)
         if (InterfaceList::isOfFamily(*entry, AF_INET)) addAddress(*entry, links);
-    }
     return links;
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "providers/NetworkCounters.h"
+
 #include <map>
 #include <optional>
 #include <string>
-
-#include "providers/NetworkCounters.h"
 
 namespace TR {
 

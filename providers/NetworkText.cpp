@@ -1,12 +1,8 @@
 #include "providers/NetworkText.h"
 
+#include "stb/src/common/Text.h"
+
 #include <net/if.h>
-
-#include <charconv>
-#include <system_error>
-
-#include "stb/src/common/Trim.h"
-#include "stb/src/common/Utils.h"
 
 namespace TR::NetworkText {
 
@@ -48,9 +44,8 @@ constexpr DuplexRow kDuplexModes[] = {
 Status status(unsigned flags, const std::string& operstate) {
     if ((flags & IFF_UP) == 0) return Status::Down;
     const std::string state = Utils::trim(operstate);
-    for (const OperstateRow& row : kOperstates) {
+    for (const OperstateRow& row : kOperstates)
         if (state == row.operstate) return row.status;
-    }
     // Drivers that never report a state; the kernel's documentation says to take them as up.
     if (state == "unknown" && (flags & IFF_RUNNING) != 0) return Status::Up;
     return Status::Error;
@@ -58,26 +53,17 @@ Status status(unsigned flags, const std::string& operstate) {
 
 DuplexMode duplexMode(const std::string& duplex) {
     const std::string mode = Utils::toLowerString(Utils::trim(duplex));
-    for (const DuplexRow& row : kDuplexModes) {
+    for (const DuplexRow& row : kDuplexModes)
         if (mode == row.duplex) return row.mode;
-    }
     return DuplexMode::Auto;
 }
 
 std::uint64_t bitRate(const std::string& speed) {
     const std::string text = Utils::trim(speed);
     const bool isDecimal = text.find_first_not_of("0123456789") == std::string::npos;
-    const std::int64_t number = isDecimal ? leadingNumber(text).value_or(0) : 0;
+    const std::int64_t number = isDecimal ? Utils::leadingNumber(text).value_or(0) : 0;
     const auto rate = static_cast<std::uint64_t>(number);
     return rate == kUnknownSpeed ? 0 : rate;
-}
-
-std::optional<std::int64_t> leadingNumber(const std::string& text) {
-    const std::string trimmed = Utils::trim(text);
-    std::int64_t number = 0;
-    const auto result = std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), number);
-    if (result.ec != std::errc()) return std::nullopt;
-    return number;
 }
 
 }  // namespace TR::NetworkText

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "providers/NetworkInterface.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "providers/NetworkInterface.h"
 
 // From the texts of the kernel, of `iw` and of the WiFi settings file to what is published. Pure:
 // any bytes may come in, nothing throws, any thread may call.
@@ -19,10 +19,6 @@ NetworkInterface::DuplexMode duplexMode(const std::string& duplex);
 
 /// Mbit/s from the speed file; 0 unless it holds one known speed and nothing else.
 std::uint64_t bitRate(const std::string& speed);
-
-/// The decimal number that the text begins with, after white space; none when there is no digit or
-/// it does not fit.
-std::optional<std::int64_t> leadingNumber(const std::string& text);
 
 /// From the lines of a WiFi settings file: `key = value`. Blanks round the equals sign and one CR
 /// at the line's end are no part of either. The last of a repeated key wins; lines without an

@@ -1,7 +1,7 @@
 #include "providers/NetworkTree.h"
 
 #include "model/Storage.h"
-#include "stb/src/common/Format.h"
+#include "stb/src/common/Text.h"
 
 namespace TR {
 
@@ -108,9 +108,8 @@ void NetworkTree::publishWiFi(const NetworkInterface& interface) {
     const std::string vendor = kVendorBranch;
     const std::string config = vendor + "Config.WiFiConfig.";
     const std::string status = vendor + "WiFiStatus.";
-    for (const std::string& path : {vendor, vendor + "Config.", config, status}) {
+    for (const std::string& path : {vendor, vendor + "Config.", config, status})
         set(path, Value::Object());
-    }
     set(config + "SSID", Value(interface.wiFiConfig.ssid));
     set(config + "WPAPassphrase", Value(interface.wiFiConfig.wpaPassphrase));
     set(config + "WEPPassphrase", Value(interface.wiFiConfig.wepPassphrase));

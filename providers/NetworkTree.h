@@ -1,9 +1,9 @@
 #pragma once
 
+#include "providers/NetworkInterface.h"
+
 #include <map>
 #include <string>
-
-#include "providers/NetworkInterface.h"
 
 namespace TR {
 

@@ -65,12 +65,10 @@ bool StaticDataProvider::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
     for (const char* path : kParentObjects) storage()->set(Address(path), Value::Object());
-    for (const auto& row : StaticCapabilities::kRows) {
+    for (const auto& row : StaticCapabilities::kRows)
         storage()->set(serviceAddress(row.name), valueOf(row));
-    }
-    for (const FileParameter& parameter : kFileParameters) {
+    for (const FileParameter& parameter : kFileParameters)
         setupFileParameter(serviceAddress(parameter.name).get(), parameter.file);
-    }
     return true;
 }
 

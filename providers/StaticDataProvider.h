@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "providers/BaseDataProvider.h"
+
+#include <string>
 
 namespace TR {
 

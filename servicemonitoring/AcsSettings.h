@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/Value.h"
+
 #include <cstdint>
 #include <optional>
-
-#include "model/Value.h"
 
 namespace TR {
 

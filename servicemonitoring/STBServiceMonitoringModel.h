@@ -1,10 +1,10 @@
 #pragma once
 
+#include "stb/src/common/NSTime.h"
+
 #include <cstdint>
 #include <deque>
 #include <string>
-
-#include "stb/src/common/NSTime.h"
 
 namespace TR {
 

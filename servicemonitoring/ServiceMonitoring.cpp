@@ -1,13 +1,13 @@
 #include "servicemonitoring/ServiceMonitoring.h"
 
-#include <algorithm>
-#include <limits>
-#include <utility>
-
 #include "model/Storage.h"
 #include "servicemonitoring/AcsSettings.h"
 #include "servicemonitoring/ServiceMonitoringTree.h"
 #include "stb/src/amlogic/STBAml.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace TR {
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "model/Value.h"
 #include "providers/BaseDataProvider.h"
 #include "servicemonitoring/STBServiceMonitoringModel.h"
+#include "stb/src/common/CalendarTime.h"
 #include "stb/src/common/NSTime.h"
-#include "stb/src/common/Utils.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace TR {
 

@@ -1,10 +1,10 @@
 #include "servicemonitoring/ServiceMonitoringTree.h"
 
+#include "model/Storage.h"
+
 #include <cstddef>
 #include <deque>
 #include <utility>
-
-#include "model/Storage.h"
 
 namespace TR::ServiceMonitoringTree {
 
@@ -90,12 +90,10 @@ void publishFigures(Storage& storage, const MainStream& stream) {
     storage.set(address(name + "Status"), textAt(kStreamStatuses, stream.status()));
     const NSTime sinceReset = NSTime::nowRelative() - stream.resetTime();
     storage.set(address(name + "Total.ResetTime"), Value(sinceReset.toTimeT()));
-    for (const TotalRow& row : kTotals) {
+    for (const TotalRow& row : kTotals)
         storage.set(address(name + "Total." + row.name), Value(stream.total().*row.figure));
-    }
-    for (const SampleRow& row : kSamples) {
+    for (const SampleRow& row : kSamples)
         storage.set(address(name + "Sample." + row.name), listOf(stream.samples(), row.figure));
-    }
 }
 
 }  // namespace TR::ServiceMonitoringTree

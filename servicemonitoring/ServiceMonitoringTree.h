@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "model/Address.h"
 #include "model/Value.h"
 #include "servicemonitoring/STBServiceMonitoringModel.h"
 #include "stb/src/common/NSTime.h"
+
+#include <cstdint>
+#include <string>
 
 namespace TR {
 

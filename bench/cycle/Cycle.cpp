@@ -1,4 +1,14 @@
-#include <sys/resource.h>
+#include "bench/LogText.h"
+#include "bench/Table.h"
+#include "bench/cycle/Probes.h"
+#include "model/Storage.h"
+#include "providers/DeviceInfoDataProvider.h"
+#include "providers/FrontEndDataProvider.h"
+#include "providers/NetworkDataProvider.h"
+#include "providers/StaticDataProvider.h"
+#include "servicemonitoring/ServiceMonitoring.h"
+#include "stb/src/common/JsonEscape.h"
+#include "tests/support/Box.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,17 +19,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/LogText.h"
-#include "bench/Table.h"
-#include "bench/cycle/Probes.h"
-#include "model/Storage.h"
-#include "providers/DeviceInfoDataProvider.h"
-#include "providers/FrontEndDataProvider.h"
-#include "providers/NetworkDataProvider.h"
-#include "providers/StaticDataProvider.h"
-#include "servicemonitoring/ServiceMonitoring.h"
-#include "stb/src/common/Utils.h"
-#include "tests/support/Box.h"
+#include <sys/resource.h>
 
 namespace {
 
@@ -125,10 +125,12 @@ double memcpyCost(const std::string& text) {
     std::vector<char> target(text.size());
     std::vector<double> costs;
     for (int round = 0; round < kRounds; ++round) {
-        costs.push_back(costOf(ownCpu, [&] {
-            std::memcpy(target.data(), text.data(), text.size());
-            asm volatile("" : : "r"(target.data()) : "memory");
-        }));
+        costs.push_back(costOf(
+            ownCpu,
+            [&] {
+                std::memcpy(target.data(), text.data(), text.size());
+                asm volatile("" : : "r"(target.data()) : "memory");
+            }));
     }
     return median(costs);
 }

@@ -1,8 +1,8 @@
 #include "bench/cycle/Probes.h"
 
-#include <pthread.h>
-
 #include <cstdio>
+
+#include <pthread.h>
 
 // The linker's --wrap sends the calls of the daemon's own code here and gives the real ones another
 // name; both names are the linker's.

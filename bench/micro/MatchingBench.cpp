@@ -1,3 +1,6 @@
+#include "bench/micro/AllocationCount.h"
+#include "model/NotifTable.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -5,9 +8,6 @@
 #include <fstream>
 #include <map>
 #include <string>
-
-#include "bench/micro/AllocationCount.h"
-#include "model/NotifTable.h"
 
 namespace {
 

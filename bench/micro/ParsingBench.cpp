@@ -1,12 +1,12 @@
-#include <benchmark/benchmark.h>
-
-#include <string>
-#include <vector>
-
 #include "model/NotifTable.h"
 #include "providers/DeviceInfoDataProvider.h"
 #include "providers/FrontEndParsing.h"
 #include "providers/NetworkText.h"
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <vector>
 
 namespace {
 

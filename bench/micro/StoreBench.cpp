@@ -1,8 +1,8 @@
+#include "model/Storage.h"
+
 #include <benchmark/benchmark.h>
 
 #include <string>
-
-#include "model/Storage.h"
 
 namespace {
 
@@ -13,9 +13,8 @@ std::string name(int number) {
 }
 
 void fill(TR::Storage& storage) {
-    for (int i = 0; i < kEntries; ++i) {
+    for (int i = 0; i < kEntries; ++i)
         storage.set(TR::Address(name(i)), TR::Value(std::to_string(i)));
-    }
 }
 
 void setUnchanged(benchmark::State& state) {
@@ -41,9 +40,8 @@ void get(benchmark::State& state) {
     TR::Storage storage;
     fill(storage);
     const std::string path = name(kEntries / 2);
-    for (auto _ : state) {
+    for (auto _ : state)
         benchmark::DoNotOptimize(storage.getValueCopy(TR::Address(path)).toString());
-    }
 }
 BENCHMARK(get);
 
@@ -57,9 +55,8 @@ BENCHMARK(listAddresses);
 void copyUpdates(benchmark::State& state) {
     TR::Storage storage;
     fill(storage);
-    for (int i = 0; i < kEntries; ++i) {
+    for (int i = 0; i < kEntries; ++i)
         storage.set(TR::Address(name(i)), TR::Value(std::string("changed")));
-    }
     for (auto _ : state) benchmark::DoNotOptimize(storage.updates());
 }
 BENCHMARK(copyUpdates);

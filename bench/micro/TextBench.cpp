@@ -1,13 +1,13 @@
+#include "bench/LogText.h"
+#include "dbus/Utf8.h"
+#include "stb/src/common/JsonEscape.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
-
-#include "bench/LogText.h"
-#include "dbus/Utf8.h"
-#include "stb/src/common/Utils.h"
 
 namespace {
 

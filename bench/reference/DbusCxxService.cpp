@@ -1,10 +1,10 @@
+#include "TR_adaptor.h"
+
 #include <dbus-c++/dbus.h>
 
 #include <fstream>
 #include <string>
 #include <vector>
-
-#include "TR_adaptor.h"
 
 namespace {
 

@@ -36,7 +36,6 @@ int main(int argc, char** argv) {
     if (sd_bus_open_user(&bus) < 0 ||
         sd_bus_add_object_vtable(bus, nullptr, "/com/kelm/stb/TR", "com.kelm.stb.TR", kTable,
                                  nullptr) < 0 ||
-        sd_bus_request_name(bus, argv[1], 0) < 0 || serve(bus) < 0) {
+        sd_bus_request_name(bus, argv[1], 0) < 0 || serve(bus) < 0)
         return EXIT_FAILURE;
-    }
 }

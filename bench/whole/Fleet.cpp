@@ -1,12 +1,12 @@
 #include "bench/whole/Fleet.h"
 
+#include "tests/support/Box.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
-
-#include "tests/support/Box.h"
 
 namespace bench {
 
@@ -124,9 +124,8 @@ Service Fleet::start(const std::vector<std::string>& command, const std::string&
     Service service;
     service.process = std::make_unique<Child>(command, "/tmp/" + name);
     service.client = std::make_unique<TrClient>(bus_.address(), name);
-    if (!box::waitUntil([&] { return service.client->getValue(kAddress).ok; })) {
+    if (!box::waitUntil([&] { return service.client->getValue(kAddress).ok; }))
         fail(name + " does not answer: " + service.process->output());
-    }
     return service;
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "box/client/TrClient.h"
+#include "tests/support/Child.h"
+#include "tests/support/PrivateBus.h"
+
 #include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "box/client/TrClient.h"
-#include "tests/support/Child.h"
-#include "tests/support/PrivateBus.h"
 
 namespace bench {
 

@@ -1,14 +1,14 @@
-#include <algorithm>
-#include <fstream>
-#include <functional>
-#include <string>
-#include <thread>
-
 #include "bench/LogText.h"
 #include "bench/Table.h"
 #include "bench/whole/Figures.h"
 #include "bench/whole/Process.h"
 #include "tests/support/Box.h"
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
 
 namespace bench {
 

@@ -1,10 +1,10 @@
 #include "bench/whole/Process.h"
 
+#include "tests/support/Box.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-
-#include "tests/support/Box.h"
 
 namespace bench {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstdint>
 #include <map>
 #include <string>
+
+#include <sys/types.h>
 
 /// What the kernel tells of a running process. 0 where it tells nothing.
 namespace bench {

@@ -1,13 +1,13 @@
-#include <csignal>
-#include <cstdlib>
-#include <sstream>
-#include <string>
-
 #include "bench/Table.h"
 #include "bench/whole/Figures.h"
 #include "bench/whole/Process.h"
 #include "bench/whole/Samples.h"
 #include "tests/support/Box.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <sstream>
+#include <string>
 
 namespace bench {
 
@@ -28,11 +28,9 @@ struct CallTimes {
 
     template <typename Operation>
     void forEach(Operation operation) {
-        for (Samples* samples :
-             {&ping, &pingOfDbuscxx, &otherPing, &get, &getOfFull, &getOfDbuscxx, &getOfSdbus,
-              &list, &listOfDbuscxx, &inFlight, &inFlightOfDbuscxx}) {
+        for (Samples* samples : {&ping, &pingOfDbuscxx, &otherPing, &get, &getOfFull, &getOfDbuscxx,
+                                 &getOfSdbus, &list, &listOfDbuscxx, &inFlight, &inFlightOfDbuscxx})
             operation(*samples);
-        }
     }
 };
 
@@ -45,7 +43,8 @@ void callInRow(Samples& samples, Call call) {
 }
 
 void callService(const Service& service, Samples& ping, Samples& get) {
-    callInRow(ping, [&] { service.ping(); });
+    callInRow(
+        ping, [&] { service.ping(); });
     callInRow(get, [&] { service.get(); });
 }
 
@@ -76,9 +75,8 @@ bool sampleOnce(Fleet& fleet, CallTimes& times) {
 CallTimes sample(Fleet& fleet) {
     CallTimes times;
     int groups = 0;
-    for (int attempt = 0; groups < kGroups && attempt < 3 * kGroups; ++attempt) {
+    for (int attempt = 0; groups < kGroups && attempt < 3 * kGroups; ++attempt)
         if (sampleOnce(fleet, times)) ++groups;
-    }
     if (groups == 0) fail("no quiet time between two cycles");
     return times;
 }
@@ -119,9 +117,8 @@ double systemCalls(const Fleet& fleet, pid_t thread, std::string& kinds) {
                  "/tmp/strace-output");
     if (!box::waitUntil([&] {
             return strace.output().find("attached") != std::string::npos || !strace.isRunning();
-        })) {
+        }))
         return 0;
-    }
     getOften(fleet);
     strace.send(SIGINT);
     strace.waitForEnd();
@@ -169,11 +166,10 @@ void reportKernelWork(Fleet& fleet) {
     const auto [thread, switches] = busThread(fleet);
     std::string kinds;
     const double calls = systemCalls(fleet, thread, kinds);
-    if (calls > 0) {
+    if (calls > 0)
         reportAtMost("system calls per get_value", calls, 4.0, kinds.substr(0, kinds.size() - 2));
-    } else {
+    else
         report("system calls per get_value", "?", "strace is not installed");
-    }
     reportAtMost("voluntary switches per get_value", switches, 1.0, "the D-Bus thread's");
 }
 

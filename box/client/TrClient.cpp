@@ -39,12 +39,8 @@ TrReply read(DBusMessage* message) {
     DBusMessageIter position;
     dbus_message_iter_init(message, &position);
     const int type = dbus_message_iter_get_arg_type(&position);
-    if (type == DBUS_TYPE_STRING) {
-        reply.text = stringAt(position);
-    }
-    if (type != DBUS_TYPE_ARRAY) {
-        return reply;
-    }
+    if (type == DBUS_TYPE_STRING) reply.text = stringAt(position);
+    if (type != DBUS_TYPE_ARRAY) return reply;
     DBusMessageIter element;
     dbus_message_iter_recurse(&position, &element);
     while (dbus_message_iter_get_arg_type(&element) == DBUS_TYPE_STRING) {
@@ -83,9 +79,7 @@ void TrClient::open(const std::string& busAddress) {
     connection_.reset(dbus_connection_open_private(busAddress.c_str(), error.get()));
     if (connection_ != nullptr) {
         dbus_connection_set_exit_on_disconnect(connection_.get(), FALSE);
-        if (dbus_bus_register(connection_.get(), error.get()) != FALSE) {
-            return;
-        }
+        if (dbus_bus_register(connection_.get(), error.get()) != FALSE) return;
         connection_.reset();
     }
     connectError_ = error.reply();
@@ -96,9 +90,7 @@ bool TrClient::connected() const {
 }
 
 TrReply TrClient::unreachable() const {
-    if (!connectError_.errorName.empty()) {
-        return connectError_;
-    }
+    if (!connectError_.errorName.empty()) return connectError_;
     return failed(DBUS_ERROR_DISCONNECTED, "The bus cannot be reached");
 }
 
@@ -106,20 +98,14 @@ TrReply TrClient::unreachable() const {
 TrClient::Message TrClient::build(const TrCall& call) const {
     Message message(dbus_message_new_method_call(service_.c_str(), call.path.c_str(),
                                                  call.interface, call.member.c_str()));
-    if (message == nullptr) {
-        return message;
-    }
+    if (message == nullptr) return message;
     DBusMessageIter position;
     dbus_message_iter_init_append(message.get(), &position);
     for (const std::string& argument : call.arguments) {
-        if (dbus_validate_utf8(argument.c_str(), nullptr) == FALSE) {
-            return nullptr;
-        }
+        if (dbus_validate_utf8(argument.c_str(), nullptr) == FALSE) return nullptr;
         append(position, argument);
     }
-    if (call.append) {
-        call.append(position);
-    }
+    if (call.append) call.append(position);
     return message;
 }
 
@@ -135,9 +121,7 @@ TrClient::Message TrClient::transact(DBusMessage* message, TrReply& failure) con
     Error error;
     Message reply(dbus_connection_send_with_reply_and_block(
         connection_.get(), message, static_cast<int>(timeout_.count()), error.get()));
-    if (reply == nullptr) {
-        failure = error.reply();
-    }
+    if (reply == nullptr) failure = error.reply();
     // Signals pile up on a connection that nobody dispatches.
     while (const Message signal{dbus_connection_pop_message(connection_.get())}) {
     }
@@ -152,9 +136,7 @@ TrReply TrClient::call(const TrCall& call) {
 
 TrClient::Pending TrClient::sendGetValue(const std::string& address) {
     const Message message = build({kInterface, "get_value", {address}});
-    if (!connected() || message == nullptr) {
-        return nullptr;
-    }
+    if (!connected() || message == nullptr) return nullptr;
     DBusPendingCall* pending = nullptr;
     dbus_connection_send_with_reply(connection_.get(), message.get(), &pending,
                                     static_cast<int>(timeout_.count()));
@@ -180,9 +162,8 @@ std::string TrClient::owner() {
 std::uint32_t TrClient::ownerPid() {
     const Message reply = askBus("GetConnectionUnixProcessID");
     dbus_uint32_t pid = 0;
-    if (reply) {
+    if (reply)
         dbus_message_get_args(reply.get(), nullptr, DBUS_TYPE_UINT32, &pid, DBUS_TYPE_INVALID);
-    }
     return pid;
 }
 

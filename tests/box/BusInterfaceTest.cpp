@@ -1,11 +1,11 @@
+#include "tests/box/DaemonTest.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
-
-#include "tests/box/DaemonTest.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
+#include "tests/box/DaemonTest.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "tests/box/DaemonTest.h"
 
 namespace {
 

@@ -1,8 +1,11 @@
 // Clients that do what clients should not, and a bus that comes and goes.
 
+#include "tests/box/DaemonTest.h"
+#include "tests/box/Shim.h"
+#include "tests/box/SystemFaults.h"
+#include "tests/box/Vitals.h"
+
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -18,10 +21,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/box/DaemonTest.h"
-#include "tests/box/Shim.h"
-#include "tests/box/SystemFaults.h"
-#include "tests/box/Vitals.h"
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -129,9 +130,8 @@ class Talker {
 TEST_F(ClientFaultTest, EightClientsLoseAndMixUpNothingForAMinute) {
     std::atomic<bool> done{false};
     std::vector<std::unique_ptr<Talker>> talkers;
-    for (std::size_t i = 0; i < 8; ++i) {
+    for (std::size_t i = 0; i < 8; ++i)
         talkers.push_back(std::make_unique<Talker>(bus().address(), i));
-    }
     std::vector<std::thread> threads;
     for (auto& talker : talkers) threads.emplace_back([&] { talker->talkUntil(done); });
     std::this_thread::sleep_for(std::chrono::minutes(1));

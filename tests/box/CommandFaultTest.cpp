@@ -1,5 +1,8 @@
 // Every command that the daemon runs, failing in every way that a command can.
 
+#include "tests/box/FaultyLife.h"
+#include "tests/support/Box.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -9,9 +12,6 @@
 #include <ostream>
 #include <string>
 #include <vector>
-
-#include "tests/box/FaultyLife.h"
-#include "tests/support/Box.h"
 
 namespace {
 
@@ -62,9 +62,8 @@ std::ostream& operator<<(std::ostream& stream, const Row& row) {
 
 std::vector<Row> rows() {
     std::vector<Row> all;
-    for (const Failing& failing : kFailings) {
+    for (const Failing& failing : kFailings)
         for (const Command& command : kCommands) all.push_back({&command, &failing});
-    }
     return all;
 }
 
@@ -90,9 +89,8 @@ void mend(const Command& command, const Failing& failing) {
 
 void forEach(bool ofTheStart, const Failing& failing,
              void (*action)(const Command&, const Failing&)) {
-    for (const Command& command : kCommands) {
+    for (const Command& command : kCommands)
         if (command.isOfTheStart == ofTheStart) action(command, failing);
-    }
 }
 
 // All commands fail in the same way in one life: each is met where the cycle comes to it.
@@ -122,12 +120,9 @@ TEST_P(CommandFaultTest, AndTheDaemonLivesOn) {
     const Command& command = *GetParam().command;
     const FaultyLife& life = sharedLife(*GetParam().failing);
     EXPECT_EQ(life.complaint(), "");
-    if (command.parameter != nullptr) {
+    if (command.parameter != nullptr)
         EXPECT_EQ(life.after(command.parameter), life.before(command.parameter));
-    }
-    if (!command.isOfTheStart) {
-        EXPECT_FALSE(box::calls(command.name).empty()) << "was not met";
-    }
+    if (!command.isOfTheStart) EXPECT_FALSE(box::calls(command.name).empty()) << "was not met";
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, CommandFaultTest, ::testing::ValuesIn(rows()), nameOf);

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "box/client/TrClient.h"
+#include "tests/support/Box.h"
+#include "tests/support/Child.h"
+#include "tests/support/PrivateBus.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "box/client/TrClient.h"
-#include "tests/support/Box.h"
-#include "tests/support/Child.h"
-#include "tests/support/PrivateBus.h"
 
 /// The unmodified daemon in the box, with a session bus of its own, spoken to over D-Bus only.
 class DaemonTest : public ::testing::Test {

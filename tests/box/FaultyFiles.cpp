@@ -1,8 +1,6 @@
 #include "tests/box/FaultyFiles.h"
 
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "tests/support/Box.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,7 +9,9 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "tests/support/Box.h"
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -31,9 +31,8 @@ const std::string kManyLines = [] {
 
 std::string everyByte() {
     std::string bytes;
-    for (int round = 0; round < 16; ++round) {
+    for (int round = 0; round < 16; ++round)
         for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-    }
     return bytes;
 }
 
@@ -43,9 +42,8 @@ std::string withoutTheLastLineFeed(std::string text) {
 }
 
 void bind(const std::string& source, const std::string& target) {
-    if (mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) != 0) {
+    if (mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) != 0)
         throw std::system_error(errno, std::generic_category(), "bind " + target);
-    }
 }
 
 // Reads of the own memory's first page fail, for root too.

@@ -1,14 +1,14 @@
 #include "tests/box/FaultyLife.h"
 
+#include "tests/box/SystemFaults.h"
+#include "tests/support/Box.h"
+#include "tests/support/Repeating.h"
+
 #include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <sstream>
 #include <stdexcept>
-
-#include "tests/box/SystemFaults.h"
-#include "tests/support/Box.h"
-#include "tests/support/Repeating.h"
 
 namespace {
 
@@ -120,9 +120,8 @@ void FaultyLife::start(const Child::Environment& environment) {
 }
 
 void FaultyLife::giveSettings() {
-    for (const auto& [address, text] : kSettings) {
+    for (const auto& [address, text] : kSettings)
         if (!client_->set(address, text).ok) fail(std::string("cannot set ") + address);
-    }
     // A watched figure that changes in every cycle brings ubus into every cycle.
     box::writeFile(kNotifyFile, std::string(R"({ "parameter": ")") + kUpTime +
                                     R"(", "value": "", "notification": "2" })" + "\n");

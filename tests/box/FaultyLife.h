@@ -1,16 +1,16 @@
 #pragma once
 
+#include "box/client/TrClient.h"
+#include "tests/box/Vitals.h"
+#include "tests/support/Child.h"
+#include "tests/support/PrivateBus.h"
+
 #include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <thread>
-
-#include "box/client/TrClient.h"
-#include "tests/box/Vitals.h"
-#include "tests/support/Child.h"
-#include "tests/support/PrivateBus.h"
 
 /// One life of the unmodified daemon that meets faults: it starts, is given settings, works under
 /// the faults for at least one whole cycle, then without them, and is looked at and stopped. Many

@@ -1,5 +1,9 @@
 // Every file that the daemon reads, failing in every way that a file can.
 
+#include "tests/box/DaemonTest.h"
+#include "tests/box/FaultyFiles.h"
+#include "tests/box/FaultyLife.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -9,10 +13,6 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include "tests/box/DaemonTest.h"
-#include "tests/box/FaultyFiles.h"
-#include "tests/box/FaultyLife.h"
 
 namespace {
 
@@ -28,9 +28,8 @@ std::ostream& operator<<(std::ostream& stream, const Row& row) {
 std::vector<Row> rows() {
     std::vector<Row> all;
     for (const FileFailing& failing : fileFailings()) {
-        for (const FaultyFile& file : faultyFiles()) {
+        for (const FaultyFile& file : faultyFiles())
             if (isPossible(file, failing)) all.push_back({&file, &failing});
-        }
     }
     return all;
 }
@@ -43,19 +42,16 @@ using AllSpoiled = std::vector<std::unique_ptr<SpoiledFile>>;
 
 AllSpoiled spoil(bool ofTheStart, const FileFailing& failing) {
     AllSpoiled all;
-    for (const FaultyFile& file : faultyFiles()) {
-        if (file.isOfTheStart == ofTheStart && isPossible(file, failing)) {
+    for (const FaultyFile& file : faultyFiles())
+        if (file.isOfTheStart == ofTheStart && isPossible(file, failing))
             all.push_back(std::make_unique<SpoiledFile>(file, failing));
-        }
-    }
     return all;
 }
 
 // Again and again, so that a file that changes is met in all its states.
 void readNotificationFile(TrClient& client, int times) {
-    for (int i = 0; i < times; ++i) {
+    for (int i = 0; i < times; ++i)
         if (!client.updateNotifTable().ok) throw std::runtime_error("updateNotifTable fails");
-    }
 }
 
 // All files fail in the same way in one life; each is a matter of its own parameter.
@@ -88,9 +84,8 @@ TEST_P(FileFaultTest, AndTheDaemonLivesOn) {
     const FaultyFile& file = *GetParam().file;
     const FaultyLife& life = sharedLife(*GetParam().failing);
     EXPECT_EQ(life.complaint(), "");
-    if (file.parameter != nullptr) {
+    if (file.parameter != nullptr)
         EXPECT_EQ(life.after(file.parameter), life.before(file.parameter));
-    }
     EXPECT_FALSE(life.after("Device.DeviceInfo.UpTime").empty());
     EXPECT_FALSE(box::calls("ubus").empty()) << "the watched up time is told no more";
 }

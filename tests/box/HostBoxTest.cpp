@@ -1,10 +1,10 @@
 #include "tests/box/HostBoxTest.h"
 
-#include <stdlib.h>
+#include "tests/support/Box.h"
 
 #include <filesystem>
 
-#include "tests/support/Box.h"
+#include <stdlib.h>
 
 namespace fs = std::filesystem;
 

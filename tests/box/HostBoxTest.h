@@ -1,11 +1,11 @@
 #pragma once
 
+#include "tests/support/Child.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "tests/support/Child.h"
 
 /// A test that runs on the host and starts boxes itself, with a folder of its own; skipped, with
 /// the box's own reason, where none can be made.

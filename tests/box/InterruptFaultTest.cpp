@@ -1,5 +1,12 @@
 // SIGINT at random moments of everything that the other fault tables do.
 
+#include "tests/box/DaemonTest.h"
+#include "tests/box/FaultyFiles.h"
+#include "tests/box/Shim.h"
+#include "tests/box/SystemFaults.h"
+#include "tests/box/Vitals.h"
+#include "tests/support/Repeating.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,13 +24,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "tests/box/DaemonTest.h"
-#include "tests/box/FaultyFiles.h"
-#include "tests/box/Shim.h"
-#include "tests/box/SystemFaults.h"
-#include "tests/box/Vitals.h"
-#include "tests/support/Repeating.h"
 
 namespace {
 
@@ -150,9 +150,8 @@ Disturbance busyReaders(const Round& round) {
     std::vector<Disturbance> readers;
     for (int i = 0; i < 4; ++i) {
         readers.push_back(std::make_shared<Repeating>([client = hastyClient(round.bus.address())] {
-            for (const std::string& address : client->listParametersOnly().list) {
+            for (const std::string& address : client->listParametersOnly().list)
                 if (!client->getValue(address).ok) return;
-            }
         }));
     }
     return all(std::move(readers));
@@ -287,11 +286,9 @@ std::vector<std::string> namesIn(const std::string& folder) {
 
 std::size_t processCount() {
     std::size_t count = 0;
-    for (const auto& entry : fs::directory_iterator("/proc")) {
-        if (std::isdigit(static_cast<unsigned char>(entry.path().filename().string()[0])) != 0) {
+    for (const auto& entry : fs::directory_iterator("/proc"))
+        if (std::isdigit(static_cast<unsigned char>(entry.path().filename().string()[0])) != 0)
             ++count;
-        }
-    }
     return count;
 }
 
@@ -374,11 +371,8 @@ class InterruptFaultTest : public DaemonTest, public ::testing::WithParamInterfa
                   std::end(kZones))
             << box::readFile(kZoneFile);
         EXPECT_EQ(namesIn("/var/kelm"), names_);
-        for (const auto& entry : fs::recursive_directory_iterator("/run/kelm-box/uci/staged")) {
-            if (entry.is_regular_file()) {
-                EXPECT_EQ(box::readFile(entry.path()), kCodeText + "\n");
-            }
-        }
+        for (const auto& entry : fs::recursive_directory_iterator("/run/kelm-box/uci/staged"))
+            if (entry.is_regular_file()) EXPECT_EQ(box::readFile(entry.path()), kCodeText + "\n");
     }
 
     std::vector<std::string> names_;

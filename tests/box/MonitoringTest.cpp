@@ -1,3 +1,5 @@
+#include "tests/box/DaemonTest.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -5,8 +7,6 @@
 #include <random>
 #include <string>
 #include <thread>
-
-#include "tests/box/DaemonTest.h"
 
 namespace {
 

@@ -1,15 +1,16 @@
-#include <arpa/inet.h>
+#include "tests/box/DaemonTest.h"
+
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "tests/box/DaemonTest.h"
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -41,9 +42,8 @@ class NetworkTest : public DaemonTest {
     }
     List interfaceNames() {
         List names;
-        for (int i = 1; !value(kIp + std::to_string(i) + ".Name").empty(); ++i) {
+        for (int i = 1; !value(kIp + std::to_string(i) + ".Name").empty(); ++i)
             names.push_back(value(kIp + std::to_string(i) + ".Name"));
-        }
         return names;
     }
 };

@@ -1,10 +1,10 @@
+#include "tests/box/DaemonTest.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <string>
 #include <vector>
-
-#include "tests/box/DaemonTest.h"
 
 namespace {
 

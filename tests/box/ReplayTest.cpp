@@ -1,12 +1,12 @@
 // A box that is booted from a snapshot: it is the box that the snapshot was taken on, and no
 // archive gets out of it.
 
-#include <filesystem>
-#include <sstream>
-
 #include "tests/box/SnapshotTest.h"
 #include "tests/box/TreeListing.h"
 #include "tests/support/Box.h"
+
+#include <filesystem>
+#include <sstream>
 
 namespace {
 
@@ -60,9 +60,8 @@ std::string withShapes(const std::string& listing) {
         std::istringstream words(line);
         std::string address, writable, inform, kind;
         words >> address >> writable >> inform >> kind;
-        if (kind == "parameter" && isLive(address)) {
+        if (kind == "parameter" && isLive(address))
             line = address + " " + writable + " " + inform + " " + kind + " ~[0-9]+";
-        }
         text += line + "\n";
     }
     return text;
@@ -93,9 +92,8 @@ TEST_F(ReplayTest, TheDaemonPublishesWhatItPublishedOnTheBox) {
     EXPECT_EQ(TreeListing::differences(withShapes(published), listing("replayed")), "");
     // The box was another one indeed.
     for (const char* const value : {" 10.9.8.7\n", " Area 51\n", " quite a secret\n", " 51500\n",
-                                    " KELM Orbit C99\n", " 239.255.0.1\n", " eth1\n", " -71\n"}) {
+                                    " KELM Orbit C99\n", " 239.255.0.1\n", " eth1\n", " -71\n"})
         EXPECT_NE(published.find(value), std::string::npos) << value << published;
-    }
 }
 
 TEST_F(ReplayTest, TheTreeInTheArchiveIsTheOneThatTheDaemonServed) {

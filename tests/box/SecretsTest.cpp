@@ -1,10 +1,10 @@
 // Nothing of a passphrase gets out of the box unless it is asked for.
 
-#include <filesystem>
-#include <fstream>
-
 #include "tests/box/SnapshotTest.h"
 #include "tests/support/Box.h"
+
+#include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -54,9 +54,8 @@ class SecretsTest : public SnapshotTest {
 TEST_F(SecretsTest, AMaskedArchiveHoldsNoneAnywhere) {
     const Result result = takeWithDaemon("");
     ASSERT_EQ(result.end, ExitStatus{}) << result.output;
-    for (const char* const secret : kSecrets) {
+    for (const char* const secret : kSecrets)
         EXPECT_EQ(filesWith(secret), std::vector<std::string>()) << secret;
-    }
     EXPECT_NE(file("about").find("secrets masked\n"), std::string::npos);
     EXPECT_EQ(file("files/var/kelm/network.wlan0"),
               "wifi_ssid=Kelm Net\nwifi_wpa_passphrase= ********\nwifi_wep_passphrase=\n"

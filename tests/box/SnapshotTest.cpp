@@ -2,12 +2,12 @@
 
 #include "tests/box/SnapshotTest.h"
 
-#include <signal.h>
+#include "tests/support/Box.h"
 
 #include <filesystem>
 #include <sstream>
 
-#include "tests/support/Box.h"
+#include <signal.h>
 
 namespace fs = std::filesystem;
 
@@ -74,9 +74,8 @@ std::vector<std::string> SnapshotTest::filesWith(const std::string& bytes) const
     std::vector<std::string> found;
     for (const auto& entry : fs::recursive_directory_iterator(unpacked())) {
         if (!entry.is_regular_file()) continue;
-        if (box::readFile(entry.path()).find(bytes) != std::string::npos) {
+        if (box::readFile(entry.path()).find(bytes) != std::string::npos)
             found.push_back(entry.path());
-        }
     }
     return found;
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/box/HostBoxTest.h"
+
 #include <string>
 #include <vector>
-
-#include "tests/box/HostBoxTest.h"
 
 /// Runs kelm-trd-snapshot in a virtual box and looks into what it has made, on the host.
 class SnapshotTest : public HostBoxTest {

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
+#include "tests/box/DaemonTest.h"
 
-#include <unistd.h>
+#include <gtest/gtest.h>
 
 #include <csignal>
 #include <future>
@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "tests/box/DaemonTest.h"
+#include <unistd.h>
 
 namespace {
 

@@ -1,7 +1,11 @@
 // What the system below the daemon can do to it: limits, clocks, interfaces, a client that is busy.
 
+#include "tests/box/DaemonTest.h"
+#include "tests/box/FaultyLife.h"
+#include "tests/box/Shim.h"
+#include "tests/box/SystemFaults.h"
+
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <csignal>
@@ -17,10 +21,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/box/DaemonTest.h"
-#include "tests/box/FaultyLife.h"
-#include "tests/box/Shim.h"
-#include "tests/box/SystemFaults.h"
+#include <sys/resource.h>
 
 namespace {
 
@@ -113,9 +114,8 @@ class SystemFaultTest : public ::testing::TestWithParam<Row> {};
 
 TEST_P(SystemFaultTest, AndTheDaemonLivesOn) {
     const Row& row = GetParam();
-    if (kIsSanitized && !row.isForSanitizers) {
+    if (kIsSanitized && !row.isForSanitizers)
         GTEST_SKIP() << "a sanitizer needs more address space than any limit";
-    }
     FaultyLife::Script script;
     script.spoil = row.spoil;
     script.mend = row.mend;

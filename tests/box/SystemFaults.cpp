@@ -1,8 +1,8 @@
 #include "tests/box/SystemFaults.h"
 
-#include <sys/mount.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "box/client/TrClient.h"
+#include "tests/box/Vitals.h"
+#include "tests/support/Box.h"
 
 #include <algorithm>
 #include <csignal>
@@ -11,9 +11,9 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "box/client/TrClient.h"
-#include "tests/box/Vitals.h"
-#include "tests/support/Box.h"
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace faults {
 
@@ -91,9 +91,8 @@ void addInterfaces(int count) {
 
 void removeInterfaces(int count) {
     std::string batch;
-    for (int i = kFirstInterface; i < kFirstInterface + count; ++i) {
+    for (int i = kFirstInterface; i < kFirstInterface + count; ++i)
         batch += "link del eth" + std::to_string(i) + "\n";
-    }
     ip(batch);
 }
 

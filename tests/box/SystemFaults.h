@@ -1,11 +1,11 @@
 #pragma once
 
-#include <sys/resource.h>
-#include <sys/types.h>
-
 #include <atomic>
 #include <string>
 #include <thread>
+
+#include <sys/resource.h>
+#include <sys/types.h>
 
 /// What the fault tables do to the system around the daemon. Everything throws when it cannot be
 /// done.

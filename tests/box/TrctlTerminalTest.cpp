@@ -1,10 +1,10 @@
+#include "tests/box/TrctlTest.h"
+#include "tests/support/TerminalChild.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <string>
-
-#include "tests/box/TrctlTest.h"
-#include "tests/support/TerminalChild.h"
 
 namespace {
 

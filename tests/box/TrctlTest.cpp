@@ -1,10 +1,11 @@
 #include "tests/box/TrctlTest.h"
 
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 
 #include <algorithm>
 #include <csignal>
+
+#include <sys/mount.h>
 
 namespace {
 
@@ -139,9 +140,8 @@ TEST_F(TrctlTest, NoCommandAddsAnAddress) {
     const Words before = listed();
     for (const char* path : {"Device.Nope", "Device.Nope.", "Nope*", "", ".", "Device.IP", "[",
                              "Device.DeviceInfo.UpTime.", "\xff"}) {
-        for (const char* command : {"get", "list", "tree", "info", "watch"}) {
+        for (const char* command : {"get", "list", "tree", "info", "watch"})
             EXPECT_EQ(run({command, path}).status, 1) << command << ' ' << path;
-        }
         EXPECT_EQ(run({"set", path, "1"}).status, 1) << path;
         EXPECT_EQ(run({"diff", "/tmp/saved.json", path}).status, 1) << path;
     }
@@ -311,9 +311,8 @@ TEST_F(TrctlTest, AReaderThatGoesEndsItInSilence) {
 TEST_F(TrctlTest, TenThousandParametersAreNoTrouble) {
     start();
     // The flag query is what adds an address.
-    for (int i = 0; i < kMany; ++i) {
+    for (int i = 0; i < kMany; ++i)
         client().getWritable("Device.Many." + std::to_string(i % 100) + ".P" + std::to_string(i));
-    }
     EXPECT_EQ(linesOf(run({"get", "Device.Many."}).output), kMany);
     EXPECT_EQ(linesOf(run({"tree", "Device.Many."}).output), kMany + 101);
     EXPECT_EQ(linesOf(run({"list", "--level", "Device.Many."}).output), 100);

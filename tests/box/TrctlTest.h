@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/box/DaemonTest.h"
+
 #include <string>
 #include <vector>
-
-#include "tests/box/DaemonTest.h"
 
 /// The real trctl, run against the unmodified daemon.
 class TrctlTest : public DaemonTest {

@@ -1,11 +1,11 @@
 #include "tests/box/TreeListing.h"
 
-#include <regex.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <sstream>
 #include <vector>
+
+#include <regex.h>
 
 namespace TreeListing {
 
@@ -37,18 +37,16 @@ Line parseLine(const std::string& text) {
 Lines parse(const std::string& listing) {
     Lines lines;
     std::istringstream stream(listing);
-    for (std::string text; std::getline(stream, text);) {
+    for (std::string text; std::getline(stream, text);)
         if (!text.empty() && text.front() != '#') lines.push_back(parseLine(text));
-    }
     return lines;
 }
 
 // A shape that is no expression matches nothing, so that it shows.
 bool matches(const std::string& value, const std::string& shape) {
     regex_t expression;
-    if (regcomp(&expression, ("^(" + shape + ")$").c_str(), REG_EXTENDED | REG_NOSUB) != 0) {
+    if (regcomp(&expression, ("^(" + shape + ")$").c_str(), REG_EXTENDED | REG_NOSUB) != 0)
         return false;
-    }
     const bool matched = regexec(&expression, value.c_str(), 0, nullptr, 0) == 0;
     regfree(&expression);
     return matched;
@@ -93,9 +91,8 @@ std::string differences(const std::string& expected, const std::string& listing)
     const std::vector<std::string> found = compare(left, right);
     std::string text;
     for (std::size_t i = 0; i < std::min(found.size(), kMostShown); ++i) text += found[i];
-    if (found.size() > kMostShown) {
+    if (found.size() > kMostShown)
         text += "and " + std::to_string(found.size() - kMostShown) + " more\n";
-    }
     return text;
 }
 

@@ -1,7 +1,5 @@
 #include "tests/box/Vitals.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -10,6 +8,8 @@
 #include <ostream>
 #include <string>
 #include <thread>
+
+#include <unistd.h>
 
 namespace {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstddef>
 #include <iosfwd>
 #include <vector>
+
+#include <sys/types.h>
 
 /// What a process holds of the system, as /proc shows it; all 0 when it has ended.
 struct Vitals {

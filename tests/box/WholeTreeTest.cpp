@@ -1,11 +1,11 @@
+#include "tests/box/DaemonTest.h"
+#include "tests/box/TreeListing.h"
+#include "tests/support/GroupMember.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
-
-#include "tests/box/DaemonTest.h"
-#include "tests/box/TreeListing.h"
-#include "tests/support/GroupMember.h"
 
 namespace {
 

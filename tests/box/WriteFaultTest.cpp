@@ -1,15 +1,16 @@
 // Settings that cannot be written: the old one stays, and the next one can be written again when
 // the fault is gone.
 
+#include "tests/box/DaemonTest.h"
+#include "tests/box/SystemFaults.h"
+#include "tests/box/Vitals.h"
+
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <ostream>
 #include <string>
 
-#include "tests/box/DaemonTest.h"
-#include "tests/box/SystemFaults.h"
-#include "tests/box/Vitals.h"
+#include <sys/resource.h>
 
 namespace {
 

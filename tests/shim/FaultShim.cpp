@@ -7,17 +7,17 @@
 //
 // Built without sanitizers; the commands that the daemon runs inherit it and are not harmed.
 
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <ifaddrs.h>
 #include <pthread.h>
 #include <sys/time.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
 
 // On 32 bits the wide times have functions of their own, and the headers give these definitions
 // their names.

@@ -2,6 +2,12 @@
 // and write all the time. Ends with 1 when memory, descriptors or threads are not flat, when an
 // answer was wrong or lost, or when the daemon does not stop in order.
 
+#include "box/client/TrClient.h"
+#include "tests/soak/FlatCheck.h"
+#include "tests/support/Box.h"
+#include "tests/support/Child.h"
+#include "tests/support/PrivateBus.h"
+
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -12,12 +18,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "box/client/TrClient.h"
-#include "tests/soak/FlatCheck.h"
-#include "tests/support/Box.h"
-#include "tests/support/Child.h"
-#include "tests/support/PrivateBus.h"
 
 namespace {
 
@@ -60,11 +60,9 @@ class Talker {
     void readTree() {
         const auto list = client_.listParametersOnly().list;
         expect(!list.empty());
-        for (const std::string& address : list) {
-            if (address.find("ProvisioningCode") == std::string::npos) {
+        for (const std::string& address : list)
+            if (address.find("ProvisioningCode") == std::string::npos)
                 expect(client_.getValue(address).ok);
-            }
-        }
     }
     void write(const std::string& address) {
         const std::string mine = std::to_string(number_) + "/" + std::to_string(round_);
@@ -103,9 +101,8 @@ bool run(Child& daemon, const std::string& bus, double minutes, std::size_t clie
     Counts counts;
     std::atomic<bool> done{false};
     std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < clients; ++i) {
+    for (std::size_t i = 0; i < clients; ++i)
         threads.emplace_back([&, i] { talk(bus, i, counts, done); });
-    }
     threads.emplace_back([&] { writeLog(done); });
     FlatCheck check("seconds");
     const auto start = steady_clock::now();

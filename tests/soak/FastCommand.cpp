@@ -1,6 +1,6 @@
-#include <unistd.h>
-
 #include <cstring>
+
+#include <unistd.h>
 
 // What the box's stand-in commands print, without their shell: thousands of cycles are to pass in
 // minutes. The name that it is called by says what.

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "tests/box/Vitals.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
-
-#include "tests/box/Vitals.h"
 
 /// The figures of a long run: printed as they come, and at the end held against the first ones
 /// after the warm-up. Memory may grow by a twentieth and 512 KiB, descriptors and threads not at

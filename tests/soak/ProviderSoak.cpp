@@ -2,12 +2,6 @@
 // seconds between them, with sources that change all the time. Runs in the box, whose commands it
 // replaces by fast ones. Ends with 1 when memory, descriptors or threads are not flat.
 
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <string>
-
 #include "model/Storage.h"
 #include "providers/DeviceInfoDataProvider.h"
 #include "providers/FrontEndDataProvider.h"
@@ -16,6 +10,12 @@
 #include "servicemonitoring/ServiceMonitoring.h"
 #include "tests/soak/FlatCheck.h"
 #include "tests/support/Box.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <unistd.h>
 
 namespace {
 

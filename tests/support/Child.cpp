@@ -1,9 +1,6 @@
 #include "tests/support/Child.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "tests/support/Box.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -13,7 +10,10 @@
 #include <sstream>
 #include <system_error>
 
-#include "tests/support/Box.h"
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <chrono>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <sys/types.h>
 
 /// How a process ended.
 struct ExitStatus {

@@ -1,15 +1,15 @@
 #include "tests/support/PrivateBus.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
+#include "tests/support/Box.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 
-#include "tests/support/Box.h"
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace {
 
@@ -60,7 +60,6 @@ void PrivateBus::start() {
         std::make_unique<Child>(std::vector<std::string>{"dbus-daemon", "--nofork", "--nopidfile",
                                                          "--config-file=" + configuration_},
                                 kFolder + "output");
-    if (!box::waitUntil(isListening)) {
+    if (!box::waitUntil(isListening))
         throw std::runtime_error("the private bus does not listen: " + daemon_->output());
-    }
 }

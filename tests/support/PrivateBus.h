@@ -1,9 +1,9 @@
 #pragma once
 
+#include "tests/support/Child.h"
+
 #include <memory>
 #include <string>
-
-#include "tests/support/Child.h"
 
 /// A session bus of a test's own, inside the box. Its address is in DBUS_SESSION_BUS_ADDRESS as
 /// long as the object lives, also while the bus itself is down.

@@ -1,5 +1,10 @@
 #include "tests/support/TerminalChild.h"
 
+#include "tests/support/Box.h"
+
+#include <cerrno>
+#include <system_error>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -7,11 +12,6 @@
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <system_error>
-
-#include "tests/support/Box.h"
 
 namespace {
 
@@ -42,9 +42,8 @@ TerminalChild::~TerminalChild() {
 }
 
 void TerminalChild::type(const std::string& keys) const {
-    if (write(terminal_, keys.data(), keys.size()) < 0) {
+    if (write(terminal_, keys.data(), keys.size()) < 0)
         throw std::system_error(errno, std::generic_category(), "typing");
-    }
 }
 
 void TerminalChild::resize(unsigned short columns, unsigned short rows) const {

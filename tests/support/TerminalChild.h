@@ -1,11 +1,11 @@
 #pragma once
 
-#include <sys/types.h>
+#include "tests/support/Child.h"
 
 #include <string>
 #include <vector>
 
-#include "tests/support/Child.h"
+#include <sys/types.h>
 
 /// A program that a test runs on a terminal of its own, as a person would. Killed and reaped with
 /// the object.

@@ -35,21 +35,15 @@ constexpr const char* kRule =
     "========\n";
 
 inline void verify(bool holds, const Check& check, int result, const void* object) {
-    if (!holds) {
-        fail(check, result, object);
-    }
+    if (!holds) fail(check, result, object);
 }
 
 int initErrorChecking(pthread_mutex_t* native) {
     pthread_mutexattr_t attributes;
     int result = pthread_mutexattr_init(&attributes);
-    if (result != 0) {
-        return result;
-    }
+    if (result != 0) return result;
     result = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
-    if (result == 0) {
-        result = pthread_mutex_init(native, &attributes);
-    }
+    if (result == 0) result = pthread_mutex_init(native, &attributes);
     pthread_mutexattr_destroy(&attributes);
     return result;
 }

@@ -1,32 +1,32 @@
 #pragma once
 
-#include <pthread.h>
-
 #include <ctime>
 
-// Checked POSIX threads. No call here reports an error: a failing one means that the program's own
-// locking is broken, and going on would corrupt the parameter store. The process then prints an
-// assertion report with a back-trace and kills itself.
+#include <pthread.h>
+
+/// Checked POSIX threads. No call here reports an error: a failing one means that the program's own
+/// locking is broken, and going on would corrupt the parameter store. The process then prints an
+/// assertion report with a back-trace and kills itself.
 namespace pthread_helper {
 
-// One verified condition. Its text and line are stable names that field logs are searched for: they
-// do not follow the source when it moves.
+/// One verified condition. Its text and line are stable names that field logs are searched for:
+/// they do not follow the source when it moves.
 struct Check {
     const char* condition;
     int line;
 };
 
-// Prints the assertion report (stdout; the back-trace goes to stderr) and kills the process.
-// `object` is the mutex, condition variable or thread record concerned.
+/// Prints the assertion report (stdout; the back-trace goes to stderr) and kills the process.
+/// `object` is the mutex, condition variable or thread record concerned.
 [[noreturn]] void fail(const Check& check, int result, const void* object);
 
-// The checked operations on a bare error-checking mutex. unlock() accepts EPERM, see mutex.
+/// The checked operations on a bare error-checking mutex. unlock() accepts EPERM, see mutex.
 void lock(pthread_mutex_t* native);
 void unlock(pthread_mutex_t* native);
 
-// One error-checking POSIX mutex. Locking it twice from one thread is fatal instead of a silent
-// hang; so is destroying it while it is locked. Unlocking it without holding it is accepted:
-// STBThread::stop() relies on that.
+/// One error-checking POSIX mutex. Locking it twice from one thread is fatal instead of a silent
+/// hang; so is destroying it while it is locked. Unlocking it without holding it is accepted:
+/// STBThread::stop() relies on that.
 class mutex {
   public:
     mutex();
@@ -42,7 +42,7 @@ class mutex {
     pthread_mutex_t native_;
 };
 
-// Holds a mutex for the life of a block. Borrows the mutex, which must outlive it.
+/// Holds a mutex for the life of a block. Borrows the mutex, which must outlive it.
 class scoped_lock {
   public:
     explicit scoped_lock(mutex& guarded) : scoped_lock(guarded.native()) {}
@@ -55,8 +55,8 @@ class scoped_lock {
     pthread_mutex_t* const native_;
 };
 
-// A condition variable on the wall clock. Waiters hold the mutex that they pass; broadcast() needs
-// none. Nobody may wait any more when it is destroyed.
+/// A condition variable on the wall clock. Waiters hold the mutex that they pass; broadcast() needs
+/// none. Nobody may wait any more when it is destroyed.
 class condition {
   public:
     condition();
@@ -64,7 +64,7 @@ class condition {
     condition(const condition&) = delete;
     condition& operator=(const condition&) = delete;
 
-    // Returns at the absolute time `deadline`, on a broadcast, or early for no reason at all.
+    /// Returns at the absolute time `deadline`, on a broadcast, or early for no reason at all.
     void waitUntil(mutex& held, const timespec& deadline);
     void broadcast();
 
@@ -72,12 +72,12 @@ class condition {
     pthread_cond_t native_;
 };
 
-// pthread_create() and pthread_join(), checked; `record` is the object named in the report.
+/// pthread_create() and pthread_join(), checked; `record` is the object named in the report.
 void createThread(pthread_t* id, void* (*routine)(void*), void* record);
 void joinThread(pthread_t id, const void* record);
 
-// What a new thread needs to know. The thread reads target and operation when it starts, so the
-// record must stay where it is until the thread has been joined; the starter owns it.
+/// What a new thread needs to know. The thread reads target and operation when it starts, so the
+/// record must stay where it is until the thread has been joined; the starter owns it.
 template <typename T>
 struct thread {
     using Operation = void (T::*)();

@@ -29,9 +29,7 @@ std::optional<int> getSys<int>(const std::string& path) {
     std::array<char, kSysfsPageBytes> page;
     std::istringstream text(std::string(page.data(), file.read(page.data(), page.size())));
     int number = 0;
-    if (!(text >> number)) {
-        return std::nullopt;
-    }
+    if (!(text >> number)) return std::nullopt;
     return number;
 }
 

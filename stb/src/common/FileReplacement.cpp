@@ -1,6 +1,6 @@
 #include "stb/src/common/FileReplacement.h"
 
-#include "stb/src/common/Utils.h"
+#include "stb/src/common/Files.h"
 
 #include <cerrno>
 
@@ -25,12 +25,8 @@ bool writeAll(int descriptor, const std::string& content) {
     std::size_t written = 0;
     while (written < content.size()) {
         const ssize_t count = write(descriptor, content.data() + written, content.size() - written);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            return false;
-        }
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
         written += static_cast<std::size_t>(count);
     }
     return true;
@@ -48,34 +44,25 @@ FileReplacement::~FileReplacement() {
 
 void FileReplacement::open() {
     descriptor_ = ::open(path_.c_str(), kFlags);
-    if (descriptor_ >= 0 || errno != ENOENT) {
-        return;
-    }
+    if (descriptor_ >= 0 || errno != ENOENT) return;
     descriptor_ = ::open(path_.c_str(), kFlags | O_CREAT | O_EXCL, kNewFileMode);
     isNew_ = descriptor_ >= 0;
-    if (!isNew_ && errno == EEXIST) {  // a link to nothing yet
+    if (!isNew_ && errno == EEXIST)  // a link to nothing yet
         descriptor_ = ::open(path_.c_str(), kFlags | O_CREAT, kNewFileMode);
-    }
 }
 
 bool FileReplacement::write(const std::string& content) {
     const off_t oldSize = descriptor_ < 0 ? -1 : regularSize(descriptor_);
-    if (oldSize < 0) {
-        return false;
-    }
+    if (oldSize < 0) return false;
     if (!hasRoomFor(content.size())) {
         undo({}, false);
         return false;
     }
     std::string oldContent;
     const bool isOldKept = oldSize > 0 && oldSize <= kLargestKept;
-    if (isOldKept) {
-        oldContent = TR::Utils::getFileContent(path_);
-    }
+    if (isOldKept) oldContent = TR::Utils::getFileContent(path_);
     // Some file systems tell only at the end that the disk is full.
-    if (replaceContent(content) && closeFile()) {
-        return true;
-    }
+    if (replaceContent(content) && closeFile()) return true;
     undo(oldContent, isOldKept && !oldContent.empty());
     return false;
 }
@@ -83,9 +70,7 @@ bool FileReplacement::write(const std::string& content) {
 // Asks for the room beside what the file has, so that a full disk is met before anything is
 // touched. Where the file system cannot tell, the write itself will.
 bool FileReplacement::hasRoomFor(std::size_t size) const {
-    if (fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0) {
-        return true;
-    }
+    if (fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0) return true;
     return errno != ENOSPC && errno != EDQUOT && errno != EFBIG;
 }
 
@@ -107,9 +92,7 @@ void FileReplacement::undo(const std::string& oldContent, bool isOldKnown) {
         unlink(path_.c_str());
         return;
     }
-    if (descriptor_ < 0) {
-        open();
-    }
+    if (descriptor_ < 0) open();
     if (isOldKnown) {
         // Its own room was given back a moment ago.
         replaceContent(oldContent);

@@ -7,9 +7,7 @@
 namespace {
 
 std::string groupText(const std::string& text, const regmatch_t& group) {
-    if (group.rm_so < 0) {
-        return {};
-    }
+    if (group.rm_so < 0) return {};
     return text.substr(static_cast<std::size_t>(group.rm_so),
                        static_cast<std::size_t>(group.rm_eo - group.rm_so));
 }
@@ -26,9 +24,8 @@ NSRegExp::~NSRegExp() {
 
 void NSRegExp::compile() {
     compiled_ = regcomp(&expression_, pattern_.c_str(), REG_EXTENDED) == 0;
-    if (!compiled_) {
+    if (!compiled_)
         std::fprintf(stderr, "NSRegExp: Error while compiling regexp: %s\n", pattern_.c_str());
-    }
 }
 
 void NSRegExp::free() {
@@ -47,12 +44,8 @@ bool NSRegExp::match(const std::string& text, std::vector<std::string>& groups) 
         return false;
     }
     std::vector<regmatch_t> found(expression_.re_nsub + 1);
-    if (regexec(&expression_, text.c_str(), found.size(), found.data(), 0) != 0) {
-        return false;
-    }
-    for (const regmatch_t& group : found) {
-        groups.push_back(groupText(text, group));
-    }
+    if (regexec(&expression_, text.c_str(), found.size(), found.data(), 0) != 0) return false;
+    for (const regmatch_t& group : found) groups.push_back(groupText(text, group));
     return true;
 }
 

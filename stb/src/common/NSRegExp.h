@@ -1,12 +1,12 @@
 #pragma once
 
-#include <regex.h>
-
 #include <string>
 #include <vector>
 
-// A compiled POSIX extended regular expression. A pattern that does not compile is told on stderr
-// and leaves an object whose matches fail. match() is const and may run on several threads.
+#include <regex.h>
+
+/// A compiled POSIX extended regular expression. A pattern that does not compile is told on stderr
+/// and leaves an object whose matches fail. match() is const and may run on several threads.
 class NSRegExp {
   public:
     explicit NSRegExp(std::string pattern);
@@ -14,8 +14,8 @@ class NSRegExp {
     NSRegExp(const NSRegExp&) = delete;
     NSRegExp& operator=(const NSRegExp&) = delete;
 
-    // Fills `groups` with the whole match and the captured groups in order, one that took no part
-    // as an empty text; empties it when there is no match. The text ends at its first NUL byte.
+    /// Fills `groups` with the whole match and the captured groups in order, one that took no part
+    /// as an empty text; empties it when there is no match. The text ends at its first NUL byte.
     bool match(const std::string& text, std::vector<std::string>& groups) const;
     bool match(const std::string& text) const;
 

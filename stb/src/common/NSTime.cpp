@@ -101,22 +101,16 @@ timeval NSTime::getTimeVal() const {
 
 std::string NSTime::toString(const char* format) const {
     tm local{};
-    if (!toLocal(toTimeT(), local)) {
-        return {};
-    }
+    if (!toLocal(toTimeT(), local)) return {};
     std::string text(5 * std::strlen(format), '\0');
     text.resize(formatTime(text, format, local));
     return text;
 }
 
 std::string NSTime::dump() const {
-    if (microseconds_ == 0) {
-        return "EMPTY";
-    }
+    if (microseconds_ == 0) return "EMPTY";
     tm local{};
-    if (!toLocal(toTimeT(), local)) {
-        return {};
-    }
+    if (!toLocal(toTimeT(), local)) return {};
     char calendar[255] = "";
     std::strftime(calendar, sizeof calendar, "%Y-%m-%d %H:%M:%S", &local);
     char text[sizeof calendar + 16] = "";
@@ -126,9 +120,7 @@ std::string NSTime::dump() const {
 }
 
 std::string NSTime::printInterval() const {
-    if (microseconds_ == 0) {
-        return "0";
-    }
+    if (microseconds_ == 0) return "0";
     std::string text;
     for (const IntervalPart& part : kIntervalParts) {
         const std::int64_t count = microseconds_ % part.modulus / part.unit;

@@ -22,9 +22,7 @@ std::size_t addressable(std::int64_t size) {
 RegularFile::RegularFile(const std::string& path)
     : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
     struct stat status {};
-    if (descriptor_ < 0) {
-        return;
-    }
+    if (descriptor_ < 0) return;
     if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
         closeDescriptor();
         return;
@@ -47,12 +45,8 @@ std::size_t RegularFile::read(char* buffer, std::size_t room) {
     std::size_t total = 0;
     while (total < room) {
         const ssize_t count = ::read(descriptor_, buffer + total, room - total);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            break;
-        }
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
         total += static_cast<std::size_t>(count);
     }
     return total;

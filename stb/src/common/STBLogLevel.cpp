@@ -1,6 +1,6 @@
 #include "stb/src/common/STBLogLevel.h"
 
-#include "stb/src/common/Utils.h"
+#include "stb/src/common/Text.h"
 
 namespace {
 
@@ -29,11 +29,8 @@ constexpr Row kRows[] = {
 constexpr Row kOther{STBLogLevel::None, "NONE", "N", kNoColour, 5};
 
 const Row& rowOf(STBLogLevel level) {
-    for (const Row& row : kRows) {
-        if (row.level == level) {
-            return row;
-        }
-    }
+    for (const Row& row : kRows)
+        if (row.level == level) return row;
     return kOther;
 }
 
@@ -47,11 +44,8 @@ const char* name(STBLogLevel level) {
 
 std::optional<STBLogLevel> fromName(const std::string& text) {
     const std::string upper = TR::Utils::toUpperString(text);
-    for (const Row& row : kRows) {
-        if (upper == row.name) {
-            return row.level;
-        }
-    }
+    for (const Row& row : kRows)
+        if (upper == row.name) return row.level;
     return std::nullopt;
 }
 

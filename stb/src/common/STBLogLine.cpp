@@ -17,9 +17,7 @@ void STBLogLine::append(const char* format, va_list arguments) {
     const std::size_t room = kCapacity - length_;
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): started by the caller
     const int wanted = std::vsnprintf(buffer_ + length_, room, format, arguments);
-    if (wanted > 0) {
-        length_ += std::min(static_cast<std::size_t>(wanted), room - 1);
-    }
+    if (wanted > 0) length_ += std::min(static_cast<std::size_t>(wanted), room - 1);
     buffer_[length_] = '\0';
 }
 
@@ -35,7 +33,5 @@ void STBLogLine::appendTimeOfDay() {
 }
 
 void STBLogLine::dropTrailingLineFeed() {
-    if (length_ > 0 && buffer_[length_ - 1] == '\n') {
-        buffer_[--length_] = '\0';
-    }
+    if (length_ > 0 && buffer_[length_ - 1] == '\n') buffer_[--length_] = '\0';
 }

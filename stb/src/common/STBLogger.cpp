@@ -101,20 +101,14 @@ STBLogger::STBLogger(const STBLoggerLogParams* params)
 
 void STBLogger::readSyslogMode() {
     syslogMode_ = isSwitchedOn(application_, "_LOG_SYSLOG");
-    if (!syslogMode_) {
-        return;
-    }
-    if (application_.empty()) {
-        application_ = "UNKNOWN";
-    }
+    if (!syslogMode_) return;
+    if (application_.empty()) application_ = "UNKNOWN";
     openlog(nullptr, LOG_CONS | LOG_PID, LOG_USER);
 }
 
 void STBLogger::readLevel() {
     const char* const wanted = variable(application_, "_LOG_LEVEL");
-    if (wanted == nullptr) {
-        return;
-    }
+    if (wanted == nullptr) return;
     const auto level = stb_log_level::fromName(wanted);
     level_ = level.value_or(STBLogLevel::Info);
     if (!level) {
@@ -130,17 +124,14 @@ void STBLogger::readConsoleSwitches() {
 }
 
 void STBLogger::readModuleLevels() {
-    for (const ModuleVariable& row : kModuleVariables) {
+    for (const ModuleVariable& row : kModuleVariables)
         setModulesSTBLogLevel(textOrEmpty(variable(application_, row.suffix)), row.level);
-    }
 }
 
 void STBLogger::setModulesSTBLogLevel(const std::string& modules, STBLogLevel level) {
     std::istringstream list(modules);
     for (std::string module; std::getline(list, module, ',');) {
-        if (module.empty()) {
-            continue;
-        }
+        if (module.empty()) continue;
         moduleLevels_[module] = level;
         logOwn(STBLogLevel::Info, __LINE__, "Setting loglevel for module '%s' to '%s'",
                module.c_str(), stb_log_level::name(level));
@@ -150,16 +141,10 @@ void STBLogger::setModulesSTBLogLevel(const std::string& modules, STBLogLevel le
 void STBLogger::log(const STBLoggerLogParams& params, const char* module, STBLogLevel level,
                     int line, const char* file, const char* format, va_list arguments) const {
     std::string name = textOrEmpty(module);
-    if (name.empty()) {
-        name = baseName(textOrEmpty(file));
-    }
-    if (!accepts(name, level)) {
-        return;
-    }
+    if (name.empty()) name = baseName(textOrEmpty(file));
+    if (!accepts(name, level)) return;
     if (syslogMode_) {
-        if (params.syslog != 0) {
-            log_send_syslog(level, format, arguments);
-        }
+        if (params.syslog != 0) log_send_syslog(level, format, arguments);
     } else if (params.console != 0) {
         log_print(name, level, line, format, arguments);
     }
@@ -181,18 +166,16 @@ void STBLogger::log_print(const std::string& module, STBLogLevel level, int line
         // NOLINTNEXTLINE(performance-no-int-to-ptr): an id that is only printed
         text.append("%p ", reinterpret_cast<void*>(pthread_self()));
     }
-    if (lineNumbers_ && line > 0) {
+    if (lineNumbers_ && line > 0)
         text.append("[%s:%d] ", module.c_str(), line);
-    } else if (!module.empty()) {
+    else if (!module.empty())
         text.append("[%s] ", module.c_str());
-    }
     text.append(format, arguments);
     text.dropTrailingLineFeed();
-    if (colours_) {
+    if (colours_)
         writeColouredLine(text.text(), stb_log_level::colourCode(level));
-    } else {
+    else
         writeLine(text.text());
-    }
 }
 
 void STBLogger::log_send_syslog(STBLogLevel level, const char* format, va_list arguments) const {

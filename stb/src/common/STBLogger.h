@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-// What a caller tells about itself with every message. The texts must outlive the call only.
+/// What a caller tells about itself with every message. The texts must outlive the call only.
 struct STBLoggerLogParams {
     const char* prefix;
     const char* application;
@@ -15,28 +15,28 @@ struct STBLoggerLogParams {
     int syslog;   // 1: this caller's messages may go to syslog
 };
 
-// The record under which the daemon's own code logs.
+/// The record under which the daemon's own code logs.
 const STBLoggerLogParams& kelmLogParams();
 
-// Logs one message, on any thread. The application's logger is made on first use. An empty module
-// stands for the base name of the source file.
+/// Logs one message, on any thread. The application's logger is made on first use. An empty module
+/// stands for the base name of the source file.
 void STBLogger_log(const STBLoggerLogParams& params, const char* module, STBLogLevel level,
                    int line, const char* file, const char* format, ...)
     __attribute__((format(printf, 6, 7)));
 
-// The logger of one application, configured by environment variables that begin with its name.
-// Writes each accepted message as one line to stderr or, in syslog mode, to syslog.
+/// The logger of one application, configured by environment variables that begin with its name.
+/// Writes each accepted message as one line to stderr or, in syslog mode, to syslog.
 //
-// Constant after construction but for setModulesSTBLogLevel(), which must not run while other
-// threads log. Lines of different threads never interleave: one process-wide mutex guards stderr.
+/// Constant after construction but for setModulesSTBLogLevel(), which must not run while other
+/// threads log. Lines of different threads never interleave: one process-wide mutex guards stderr.
 class STBLogger {
   public:
     explicit STBLogger(const STBLoggerLogParams* params);
 
-    // Sets each module of a comma-separated list to the level.
+    /// Sets each module of a comma-separated list to the level.
     void setModulesSTBLogLevel(const std::string& modules, STBLogLevel level);
 
-    // Filters one message and hands it to log_print() or log_send_syslog().
+    /// Filters one message and hands it to log_print() or log_send_syslog().
     void log(const STBLoggerLogParams& params, const char* module, STBLogLevel level, int line,
              const char* file, const char* format, va_list arguments) const
         __attribute__((format(printf, 7, 0)));

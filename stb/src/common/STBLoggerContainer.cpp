@@ -10,8 +10,6 @@ const STBLogger& STBLoggerContainer::loggerFor(const STBLoggerLogParams& params)
     const std::string application = params.application == nullptr ? "" : params.application;
     const pthread_helper::scoped_lock guard(mutex_);
     auto& logger = loggers_[application];
-    if (!logger) {
-        logger = std::make_unique<STBLogger>(&params);
-    }
+    if (!logger) logger = std::make_unique<STBLogger>(&params);
     return *logger;
 }

@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
-// The process's loggers, one per application name, each made on first use and kept until the
-// process ends. Any thread may ask; the container's mutex is held while a logger is made and may be
-// followed by the console's, never the other way round.
+/// The process's loggers, one per application name, each made on first use and kept until the
+/// process ends. Any thread may ask; the container's mutex is held while a logger is made and may
+/// be followed by the console's, never the other way round.
 class STBLoggerContainer {
   public:
     static STBLoggerContainer& instance();
@@ -23,6 +23,6 @@ class STBLoggerContainer {
     STBLoggerContainer() = default;
 
     pthread_helper::mutex mutex_;
-    // Guarded by mutex_; the loggers themselves do not move.
+    /// Guarded by mutex_; the loggers themselves do not move.
     std::map<std::string, std::unique_ptr<STBLogger>> loggers_;
 };

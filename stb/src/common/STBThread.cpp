@@ -95,9 +95,7 @@ void STBThread::shutdown() {
     const pthread_helper::scoped_lock control(controlMutex_);
     const pthread_helper::scoped_lock sleep(sleepMutex_);
     sleepCondition_.broadcast();
-    if (isRunning()) {
-        joinRunning();
-    }
+    if (isRunning()) joinRunning();
 }
 
 // Called with both mutexes held. The thread needs the sleep mutex to leave its sleep, so it is
@@ -106,9 +104,7 @@ void STBThread::shutdown() {
 // balance it could block behind another sleeper.
 void STBThread::joinRunning() {
     running_ = false;
-    if (!record_) {
-        return;
-    }
+    if (!record_) return;
     sleepMutex_.unlock();
     record_->join();
     record_.reset();
@@ -116,9 +112,7 @@ void STBThread::joinRunning() {
 
 void STBThread::sleepMs(unsigned ms) {
     const pthread_helper::scoped_lock sleep(sleepMutex_);
-    if (isRunning()) {
-        sleepCondition_.waitUntil(sleepMutex_, wallClockAfterMs(ms));
-    }
+    if (isRunning()) sleepCondition_.waitUntil(sleepMutex_, wallClockAfterMs(ms));
 }
 
 void STBThread::notify() {
@@ -133,9 +127,7 @@ void STBThread::setPriority(const Priority& priority) {
 
 void STBThread::thread() {
     runGuarded();
-    if (auto* listener = listener_.load()) {
-        listener->onThreadCompleted(this);
-    }
+    if (auto* listener = listener_.load()) listener->onThreadCompleted(this);
 }
 
 void STBThread::runGuarded() {
@@ -147,9 +139,8 @@ void STBThread::runGuarded() {
                       "Thread %p ended by an exception: %s", static_cast<void*>(this),
                       error.what());
     } catch (...) {
-        if (!std::current_exception()) {
+        if (!std::current_exception())
             throw;  // no C++ exception: pthread_cancel() or pthread_exit() unwinds the thread
-        }
         STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, kSource,
                       "Thread %p ended by an unknown exception", static_cast<void*>(this));
     }

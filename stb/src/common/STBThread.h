@@ -5,19 +5,19 @@
 #include <atomic>
 #include <memory>
 
-// Base of the daemon's long-lived threads: start, stop, an interruptible sleep, a completion
-// listener. A body loops on isRunning() with sleepMs() between its passes; stop() clears the flag,
-// wakes the sleeper and joins.
+/// Base of the daemon's long-lived threads: start, stop, an interruptible sleep, a completion
+/// listener. A body loops on isRunning() with sleepMs() between its passes; stop() clears the flag,
+/// wakes the sleeper and joins.
 //
-// Any thread may call any public operation, except that the object's own thread must not stop or
-// destroy it: a thread cannot join itself, which is fatal. The control mutex is taken before the
-// sleep mutex, always. A failing pthread call ends the process with an assertion report.
+/// Any thread may call any public operation, except that the object's own thread must not stop or
+/// destroy it: a thread cannot join itself, which is fatal. The control mutex is taken before the
+/// sleep mutex, always. A failing pthread call ends the process with an assertion report.
 //
-// A derived class calls shutdown() in its destructor: until then run() may still use its members.
+/// A derived class calls shutdown() in its destructor: until then run() may still use its members.
 class STBThread {
   public:
-    // Told on the finished thread, after run() has returned or thrown. Must not throw, must not
-    // stop the thread, and must outlive it.
+    /// Told on the finished thread, after run() has returned or thrown. Must not throw, must not
+    /// stop the thread, and must outlive it.
     class OnThreadCompletedListener {
       public:
         virtual ~OnThreadCompletedListener() = default;
@@ -33,39 +33,39 @@ class STBThread {
     STBThread(const STBThread&) = delete;
     STBThread& operator=(const STBThread&) = delete;
 
-    // The thread's body. An exception that leaves it is logged and ends this thread only.
+    /// The thread's body. An exception that leaves it is logged and ends this thread only.
     virtual void run() = 0;
 
-    // Borrows the listener (may be null), also when the thread is already running.
+    /// Borrows the listener (may be null), also when the thread is already running.
     void start(OnThreadCompletedListener* listener = nullptr);
     void startThread(OnThreadCompletedListener* listener = nullptr) { start(listener); }
 
-    // Returns when the thread has left run() and has been joined.
+    /// Returns when the thread has left run() and has been joined.
     void stop();
     void stopThread() { stop(); }
 
-    // Sleeps at most `ms` milliseconds of wall-clock time, not at all unless the thread is running;
-    // may return early.
+    /// Sleeps at most `ms` milliseconds of wall-clock time, not at all unless the thread is
+    /// running; may return early.
     void sleepMs(unsigned ms);
     void threadSleepMs(unsigned ms) { sleepMs(ms); }
 
-    // Wakes every sleeper; one that has not begun its wait misses it.
+    /// Wakes every sleeper; one that has not begun its wait misses it.
     void notify();
 
-    // True from start() to stop(), also when the body has already returned.
+    /// True from start() to stop(), also when the body has already returned.
     bool isRunning() const { return running_.load(std::memory_order_relaxed); }
 
-    // True once the body of the thread last started has returned or thrown.
+    /// True once the body of the thread last started has returned or thrown.
     bool hasCompleted() const { return completed_.load(std::memory_order_acquire); }
 
-    // Sets the nice value of the calling thread, not of the object's.
+    /// Sets the nice value of the calling thread, not of the object's.
     void setPriority(const Priority& priority);
 
-    // What the new thread executes: run(), then the listener.
+    /// What the new thread executes: run(), then the listener.
     void thread();
 
   protected:
-    // stop() without a word when the thread is not running; may be called repeatedly.
+    /// stop() without a word when the thread is not running; may be called repeatedly.
     void shutdown();
 
   private:
@@ -73,12 +73,12 @@ class STBThread {
     void joinRunning();
     void runGuarded();
 
-    // Written under both mutexes.
+    /// Written under both mutexes.
     UniqueThreadPtr record_;
     std::atomic<bool> running_{false};
 
     pthread_helper::mutex controlMutex_;
-    // Written under both mutexes, read by the thread when it ends.
+    /// Written under both mutexes, read by the thread when it ends.
     std::atomic<OnThreadCompletedListener*> listener_{nullptr};
     pthread_helper::mutex sleepMutex_;
     pthread_helper::condition sleepCondition_;

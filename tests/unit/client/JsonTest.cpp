@@ -55,9 +55,8 @@ TEST(JsonTest, AMalformedFileIsRefusedWithTheReason) {
                                                             "{\"a\":\"b\" /* c */}",
                                                             std::string("{\"a\":\"b\"}\0", 10),
                                                             std::string(1000, '['),
-                                                            "\xEF\xBB\xBF{}"}) {
+                                                            "\xEF\xBB\xBF{}"})
         EXPECT_NE(errorOf(json), "");
-    }
 }
 
 TEST(JsonTest, TheReasonNamesTheLine) {
@@ -88,9 +87,8 @@ TEST(JsonTest, AChangeLineNeedsItsThreeTexts) {
     EXPECT_EQ(faultOfChangeLine(R"({ "parameter": "a", "value": 1, "notification": "2" })"),
               "\"value\" is no text");
     for (const char* line : {"", "{", "[]", R"({ "parameter": "a", "value": "say "hi"" })",
-                             "{ \"parameter\": \"a\", \"value\": \"two"}) {
+                             "{ \"parameter\": \"a\", \"value\": \"two"})
         EXPECT_NE(faultOfChangeLine(line), "") << line;
-    }
 }
 
 }  // namespace

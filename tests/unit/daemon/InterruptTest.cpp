@@ -1,12 +1,13 @@
 #include "daemon/Interrupt.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <thread>
+
+#include <unistd.h>
 
 namespace {
 

@@ -1,13 +1,13 @@
+#include "daemon/Worker.h"
+#include "model/Storage.h"
+#include "stb/src/common/NSTime.h"
+#include "tests/support/Box.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <memory>
 #include <string>
-
-#include "daemon/Worker.h"
-#include "model/Storage.h"
-#include "stb/src/common/NSTime.h"
-#include "tests/support/Box.h"
 
 namespace {
 

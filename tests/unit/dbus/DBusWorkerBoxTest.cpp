@@ -1,15 +1,14 @@
+#include "box/client/TrClient.h"
 #include "dbus/DBusWorker.h"
+#include "model/Storage.h"
+#include "tests/support/Box.h"
+#include "tests/support/PrivateBus.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "box/client/TrClient.h"
-#include "model/Storage.h"
-#include "tests/support/Box.h"
-#include "tests/support/PrivateBus.h"
 
 namespace {
 
@@ -216,9 +215,8 @@ TEST_F(DBusWorkerTest, BytesThatGrowOnTheirWayOutCountWithTheirGrowth) {
 }
 
 TEST_F(DBusWorkerTest, AListBeyondTheLimitIsAnErrorForThatCallAlone) {
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 3000; ++i)
         storage_.set(Address("Device.A.Rather.Long.Name." + std::to_string(i)), Value(1LL));
-    }
     serve(&storage_, "<limit name=\"max_message_size\">100000</limit>");
     EXPECT_EQ(client().listAddresses().errorName, kLimitsExceeded);
     EXPECT_EQ(client().listParametersOnly().errorName, kLimitsExceeded);

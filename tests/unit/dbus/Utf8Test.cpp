@@ -16,9 +16,8 @@ TEST(Utf8Test, ValidTextsPassUnchanged) {
     for (const std::string& text :
          {std::string(), std::string("plain ASCII, longer than eight bytes\t\n\x7f"),
           std::string("\xC2\x80 \xDF\xBF"), std::string("\xE0\xA0\x80 \xED\x9F\xBF \xEF\xBF\xBF"),
-          std::string("\xF0\x90\x80\x80 \xF4\x8F\xBF\xBF"), std::string("Телевизор 电视")}) {
+          std::string("\xF0\x90\x80\x80 \xF4\x8F\xBF\xBF"), std::string("Телевизор 电视")})
         EXPECT_EQ(toValidUtf8(text), text);
-    }
 }
 
 TEST(Utf8Test, EachBadByteBecomesAReplacementCharacter) {

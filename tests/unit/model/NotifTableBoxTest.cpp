@@ -1,13 +1,14 @@
+#include "model/NotifTable.h"
+#include "tests/support/Box.h"
+
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "model/NotifTable.h"
-#include "tests/support/Box.h"
+#include <sys/stat.h>
 
 namespace {
 
@@ -31,9 +32,8 @@ std::string change(const std::string& parameter, const std::string& value) {
 
 Updates updatesOf(const std::vector<std::string>& parameters) {
     Updates updates;
-    for (const std::string& parameter : parameters) {
+    for (const std::string& parameter : parameters)
         updates.emplace(Address(parameter), Value(std::string("new")));
-    }
     return updates;
 }
 

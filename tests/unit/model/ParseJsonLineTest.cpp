@@ -1,9 +1,9 @@
+#include "model/NotifTable.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
-
-#include "model/NotifTable.h"
 
 namespace {
 
@@ -66,16 +66,14 @@ TEST(ParseJsonLineTest, AnEscapedNulStaysInTheText) {
 
 TEST(ParseJsonLineTest, WhatIsNoJsonLeavesAllTextsAsTheyWere) {
     for (const char* line : {"", " ", "{", "}", R"({"parameter")", R"({"parameter":)",
-                             R"({"parameter":"half)", "garbage", "{]", "\x01\xff\xfe", "nul"}) {
+                             R"({"parameter":"half)", "garbage", "{]", "\x01\xff\xfe", "nul"})
         EXPECT_EQ(shown(line), kUntouched) << line;
-    }
 }
 
 TEST(ParseJsonLineTest, JsonThatIsNoObjectLeavesAllTextsAsTheyWere) {
     for (const char* line :
-         {"null", "1", "true", R"("parameter")", R"(["parameter","a"])", "[]", "{}"}) {
+         {"null", "1", "true", R"("parameter")", R"(["parameter","a"])", "[]", "{}"})
         EXPECT_EQ(shown(line), kUntouched) << line;
-    }
 }
 
 TEST(ParseJsonLineTest, DeepNestingIsRefusedWithoutACrash) {

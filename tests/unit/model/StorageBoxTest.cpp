@@ -1,11 +1,11 @@
+#include "model/Storage.h"
+#include "stb/src/common/Commands.h"
+#include "tests/support/Box.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "model/Storage.h"
-#include "stb/src/common/Utils.h"
-#include "tests/support/Box.h"
 
 namespace {
 

@@ -258,9 +258,8 @@ TEST(ValueTest, AValueThatIsGivenUpPrintsTheSame) {
     list.listPushString("one");
     list.listPushString("two");
     for (const Value& value : {Value(), Value::Object(), Value(7LL), Value(std::string("text")),
-                               Value(Value::Type::String, 0), list}) {
+                               Value(Value::Type::String, 0), list})
         EXPECT_EQ(Value(value).toString(), value.toString());
-    }
 }
 
 }  // namespace

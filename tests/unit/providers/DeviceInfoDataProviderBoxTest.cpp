@@ -1,5 +1,8 @@
+#include "model/Storage.h"
+#include "providers/DeviceInfoDataProvider.h"
+#include "tests/support/Box.h"
+
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -9,9 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "model/Storage.h"
-#include "providers/DeviceInfoDataProvider.h"
-#include "tests/support/Box.h"
+#include <sys/mount.h>
 
 namespace {
 
@@ -42,9 +43,8 @@ class DeviceInfoDataProviderTest : public ::testing::Test {
 TEST_F(DeviceInfoDataProviderTest, InitCreatesExactlyTheOnceReadParameters) {
     provider_.init();
     std::set<std::string> names;
-    for (const Address& address : storage_.listAddresses()) {
+    for (const Address& address : storage_.listAddresses())
         names.insert(address.get().substr(kPrefix.size()));
-    }
     EXPECT_EQ(names, (std::set<std::string>{
                          "", "SpecVersion", "Description", "ProvisioningCode", "Manufacturer",
                          "ManufacturerOUI", "ProductClass", "SerialNumber", "HardwareVersion",
@@ -56,9 +56,8 @@ TEST_F(DeviceInfoDataProviderTest, InitCreatesExactlyTheOnceReadParameters) {
 TEST_F(DeviceInfoDataProviderTest, ARefreshAddsExactlyTheLiveParameters) {
     EXPECT_TRUE(provider_.updateValues());
     std::set<std::string> names;
-    for (const Address& address : storage_.listAddresses()) {
+    for (const Address& address : storage_.listAddresses())
         names.insert(address.get().substr(kPrefix.size()));
-    }
     EXPECT_EQ(names, (std::set<std::string>{"UpTime", "TemperatureStatus.TemperatureSensor.1.Value",
                                             "ProcessStatus.ProcessNumberOfEntries", "DeviceLog"}));
 }
@@ -77,9 +76,8 @@ TEST_F(DeviceInfoDataProviderTest, OnlyTheIdentityIsForcedIntoInforms) {
     provider_.init();
     provider_.updateValues();
     std::set<std::string> forced;
-    for (const Address& address : storage_.listAddresses()) {
+    for (const Address& address : storage_.listAddresses())
         if (storage_[address].isForcedInform()) forced.insert(address.get().substr(kPrefix.size()));
-    }
     EXPECT_EQ(forced, (std::set<std::string>{"SpecVersion", "Description", "Manufacturer",
                                              "ManufacturerOUI", "ProductClass", "SerialNumber",
                                              "HardwareVersion", "SoftwareVersion", "ModelName"}));
@@ -142,9 +140,8 @@ TEST_F(DeviceInfoDataProviderTest, AFailingChipToolLeavesEmptyTexts) {
 
 TEST_F(DeviceInfoDataProviderTest, MissingFilesLeaveEmptyTexts) {
     for (const char* file : {"/etc/kelm_deviceid", "/etc/kelm_firmware.version",
-                             "/sys/class/thermal/thermal_zone0/temp"}) {
+                             "/sys/class/thermal/thermal_zone0/temp"})
         std::filesystem::remove(file);
-    }
     provider_.init();
     provider_.updateValues();
     EXPECT_EQ(at("ModelName"), "");

@@ -1,9 +1,9 @@
+#include "providers/DeviceInfoDataProvider.h"
+
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <string>
-
-#include "providers/DeviceInfoDataProvider.h"
 
 namespace {
 

@@ -1,8 +1,9 @@
-#include <arpa/inet.h>
+#include "model/Storage.h"
+#include "providers/FrontEndDataProvider.h"
+#include "tests/support/Box.h"
+#include "tests/support/GroupMember.h"
+
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <set>
@@ -10,10 +11,10 @@
 #include <thread>
 #include <vector>
 
-#include "model/Storage.h"
-#include "providers/FrontEndDataProvider.h"
-#include "tests/support/Box.h"
-#include "tests/support/GroupMember.h"
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -39,11 +40,9 @@ class FrontEndDataProviderTest : public ::testing::Test {
 
     std::set<std::string> names() const {
         std::set<std::string> found;
-        for (const Address& address : storage_.listAddresses()) {
-            if (address.get().rfind(kPrefix, 0) == 0 && address.get() != kPrefix) {
+        for (const Address& address : storage_.listAddresses())
+            if (address.get().rfind(kPrefix, 0) == 0 && address.get() != kPrefix)
                 found.insert(address.get().substr(kPrefix.size()));
-            }
-        }
         return found;
     }
 
@@ -127,9 +126,8 @@ TEST_F(FrontEndDataProviderTest, ARefreshAddsTheObjectsAndNoRowWithoutAGroup) {
     EXPECT_EQ(names(), kInitNames);
     const std::string components = "Device.Services.STBService.1.Components.";
     for (const char* object :
-         {"", "FrontEnd.", "FrontEnd.1.", "FrontEnd.1.IP.", "FrontEnd.1.IP.IGMP."}) {
+         {"", "FrontEnd.", "FrontEnd.1.", "FrontEnd.1.IP.", "FrontEnd.1.IP.IGMP."})
         EXPECT_EQ(storage_[Address(components + object)], Value::Object()) << object;
-    }
     EXPECT_EQ(storage_.listAddresses().size(), 11u + 5u);
 }
 

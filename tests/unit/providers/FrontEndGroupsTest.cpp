@@ -1,10 +1,10 @@
+#include "providers/FrontEndDataProvider.h"
+
 #include <gtest/gtest.h>
 
 #include <set>
 #include <string>
 #include <vector>
-
-#include "providers/FrontEndDataProvider.h"
 
 namespace {
 

@@ -1,3 +1,5 @@
+#include "providers/FrontEndParsing.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -5,8 +7,6 @@
 #include <set>
 #include <string>
 #include <vector>
-
-#include "providers/FrontEndParsing.h"
 
 namespace {
 
@@ -98,12 +98,10 @@ TEST(GroupAddressesTest, TwoSocketsOnOneAddressMakeOneGroup) {
 
 TEST(GroupAddressesTest, TheRangeIsThatOfTheMulticastAddresses) {
     for (const char* group : {"224.0.0.1", "224.0.0.0", "239.255.255.250", "239.255.255.255",
-                              "229.1.9.10", "230.99.100.199", "232.200.249.250"}) {
+                              "229.1.9.10", "230.99.100.199", "232.200.249.250"})
         EXPECT_EQ(TR::Igmp::groupAddresses({udp(std::string(group) + ":1")}), Addresses{group});
-    }
-    for (const char* other : {"223.255.255.255", "240.0.0.1", "192.168.1.20", "0.0.0.0"}) {
+    for (const char* other : {"223.255.255.255", "240.0.0.1", "192.168.1.20", "0.0.0.0"})
         EXPECT_EQ(TR::Igmp::groupAddresses({udp(std::string(other) + ":1")}), Addresses{}) << other;
-    }
 }
 
 TEST(GroupAddressesTest, EveryOctetIsMatchedInAllItsValues) {
@@ -130,9 +128,8 @@ TEST(GroupAddressesTest, TheFirstGroupOfALineCounts) {
 }
 
 TEST(GroupAddressesTest, AnAddressWithoutItsFourOctetsIsNone) {
-    for (const char* broken : {"239.255.0:1234", "239", "239.255.0.:1234", "239,255,0,1:1234"}) {
+    for (const char* broken : {"239.255.0:1234", "239", "239.255.0.:1234", "239,255,0,1:1234"})
         EXPECT_EQ(TR::Igmp::groupAddresses({udp(broken)}), Addresses{}) << broken;
-    }
 }
 
 TEST(GroupAddressesTest, HeadingsEmptyLinesAndGarbageAddNothing) {

@@ -1,11 +1,11 @@
+#include "tests/unit/providers/NetworkBoxTest.h"
+
 #include <atomic>
 #include <chrono>
 #include <map>
 #include <random>
 #include <string>
 #include <thread>
-
-#include "tests/unit/providers/NetworkBoxTest.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "model/Storage.h"
+#include "providers/NetworkDataProvider.h"
+#include "tests/support/Box.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <set>
 #include <string>
-
-#include "model/Storage.h"
-#include "providers/NetworkDataProvider.h"
-#include "tests/support/Box.h"
 
 /// A network provider in a box with eth0 and wlan0, which a test may change as it likes: each case
 /// has a box of its own.
@@ -55,11 +55,9 @@ class NetworkBoxTest : public ::testing::Test {
     /// The `Name` of every IP interface.
     std::set<std::string> publishedNames() const {
         std::set<std::string> names;
-        for (const std::string& path : below("Device.IP.Interface.")) {
-            if (path.find(".Name") != std::string::npos) {
+        for (const std::string& path : below("Device.IP.Interface."))
+            if (path.find(".Name") != std::string::npos)
                 names.insert(at("Device.IP.Interface." + path));
-            }
-        }
         return names;
     }
 

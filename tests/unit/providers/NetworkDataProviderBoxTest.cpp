@@ -1,12 +1,12 @@
-#include <sys/mount.h>
-#include <sys/resource.h>
+#include "tests/unit/providers/NetworkBoxTest.h"
 
 #include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "tests/unit/providers/NetworkBoxTest.h"
+#include <sys/mount.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -61,9 +61,8 @@ TEST_F(NetworkDataProviderTest, AnInterfaceHasTheKernelsAddresses) {
 
 TEST_F(NetworkDataProviderTest, OtherInterfacesAreNeverPublished) {
     for (const char* name : {"usb0", "eth0.100", "veth0", "p2p-wlan0-0", "ethernet0", "eth", "wlan",
-                             "eth0a", "ETH0", "br-eth0"}) {
+                             "eth0a", "ETH0", "br-eth0"})
         addInterface(name, "10.0.0.1/8");
-    }
     provider_.updateValues();
     EXPECT_EQ(publishedNames(), (Names{"eth0", "wlan0"}));
     EXPECT_EQ(provider_.interfaces().size(), 2U);
@@ -264,9 +263,8 @@ TEST_F(NetworkDataProviderTest, AVanishedInterfaceKeepsItsPlace) {
     run("ip link del eth0");
     provider_.updateValues();
     EXPECT_EQ(ip(1, "Name"), "eth0");
-    for (const std::string& status : {ip(1, "Status"), ethernet(1, "Status")}) {
+    for (const std::string& status : {ip(1, "Status"), ethernet(1, "Status")})
         EXPECT_EQ(status, "NotPresent");
-    }
     EXPECT_EQ(ip(1, "Enable") + ethernet(1, "Enable"), "00");
     EXPECT_EQ(ip(1, "IPv4AddressNumberOfEntries"), "0");
     EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress") + ip(1, "IPv4Address.1.SubnetMask"), "");

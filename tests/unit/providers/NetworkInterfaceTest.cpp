@@ -1,3 +1,4 @@
+#include "providers/NetworkDataProvider.h"
 #include "providers/NetworkInterface.h"
 
 #include <gtest/gtest.h>
@@ -6,8 +7,6 @@
 #include <ctime>
 #include <sstream>
 #include <type_traits>
-
-#include "providers/NetworkDataProvider.h"
 
 namespace {
 

@@ -1,13 +1,12 @@
+#include "tests/unit/providers/NetworkBoxTest.h"
+
+#include <string>
+
 #include <arpa/inet.h>
 #include <net/if.h>
 #include <netpacket/packet.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <string>
-
-#include "stb/src/common/Utils.h"
-#include "tests/unit/providers/NetworkBoxTest.h"
 
 namespace {
 
@@ -93,9 +92,8 @@ TEST_F(NetworkTrafficTest, WhatLinuxDoesNotCountStaysZero) {
         return counted("PacketsReceived") >= 5;
     }));
     for (const char* name : {"BroadcastPacketsSent", "BroadcastPacketsReceived",
-                             "MulticastPacketsSent", "UnknownProtoPacketsReceived"}) {
+                             "MulticastPacketsSent", "UnknownProtoPacketsReceived"})
         EXPECT_EQ(counted(name), 0) << name;
-    }
 }
 
 TEST_F(NetworkTrafficTest, AVanishedInterfaceKeepsItsCounts) {

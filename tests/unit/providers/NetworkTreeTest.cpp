@@ -1,3 +1,4 @@
+#include "model/Storage.h"
 #include "providers/NetworkTree.h"
 
 #include <gtest/gtest.h>
@@ -5,8 +6,6 @@
 #include <set>
 #include <string>
 #include <vector>
-
-#include "model/Storage.h"
 
 namespace {
 
@@ -73,18 +72,15 @@ TEST_F(NetworkTreeTest, AnInterfaceIsExactlyTheseParameters) {
     tree_.publishInterface(7, wiredInterface());
     std::set<std::string> expected;
     for (const std::string branch : {"Device.IP.Interface.7.", "Device.Ethernet.Interface.7."}) {
-        for (const char* name : {"", "Enable", "Name", "Status", "LastChange", "Stats."}) {
+        for (const char* name : {"", "Enable", "Name", "Status", "LastChange", "Stats."})
             expected.insert(branch + name);
-        }
         for (const char* name : kStatsNames) expected.insert(branch + "Stats." + name);
     }
     for (const char* name : {"IPv4AddressNumberOfEntries", "IPv4Address.1.IPAddress",
-                             "IPv4Address.1.SubnetMask", "Alias"}) {
+                             "IPv4Address.1.SubnetMask", "Alias"})
         expected.insert(std::string("Device.IP.Interface.7.") + name);
-    }
-    for (const char* name : {"LowerLayers", "Upstream", "MACAddress", "MaxBitRate", "DuplexMode"}) {
+    for (const char* name : {"LowerLayers", "Upstream", "MACAddress", "MaxBitRate", "DuplexMode"})
         expected.insert(std::string("Device.Ethernet.Interface.7.") + name);
-    }
     EXPECT_EQ(paths(), expected);
 }
 

@@ -1,10 +1,10 @@
+#include "tests/unit/providers/NetworkBoxTest.h"
+
 #include <cerrno>
 #include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "tests/unit/providers/NetworkBoxTest.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
+#include "providers/NetworkText.h"
+#include "stb/src/common/Text.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "providers/NetworkText.h"
-#include "stb/src/common/Lines.h"
 
 namespace {
 

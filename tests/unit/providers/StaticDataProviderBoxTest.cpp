@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "model/Storage.h"
 #include "providers/StaticDataProvider.h"
 #include "tests/support/Box.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
 
 namespace {
 

@@ -1,12 +1,11 @@
+#include "model/Storage.h"
 #include "providers/StaticDataProvider.h"
+#include "tests/unit/providers/StaticTreeListing.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 #include <string>
-
-#include "model/Storage.h"
-#include "tests/unit/providers/StaticTreeListing.h"
 
 namespace {
 
@@ -55,9 +54,8 @@ TEST_F(StaticDataProviderTest, PublishesNothingElse) {
     std::set<std::string> expected = {"Device.", "Device.Services.", "Device.Services.STBService.",
                                       kService};
     for (const ListedParameter& listed : kListedParameters) expected.insert(kService + listed.name);
-    for (const FileParameter& parameter : kFileParameters) {
+    for (const FileParameter& parameter : kFileParameters)
         expected.insert(kService + "X_Kelm.Config." + parameter.name);
-    }
     std::set<std::string> published;
     for (const Address& address : storage_.listAddresses()) published.insert(address.get());
     EXPECT_EQ(published, expected);
@@ -65,9 +63,8 @@ TEST_F(StaticDataProviderTest, PublishesNothingElse) {
 
 TEST_F(StaticDataProviderTest, ParentsAreObjectsAndTheVendorBranchHasNone) {
     provider_.store();
-    for (const char* path : {"Device.", "Device.Services.", "Device.Services.STBService."}) {
+    for (const char* path : {"Device.", "Device.Services.", "Device.Services.STBService."})
         EXPECT_EQ(storage_[Address(path)].getType(), Value::Type::Object);
-    }
     EXPECT_EQ(at("").getType(), Value::Type::Object);
     EXPECT_FALSE(storage_.hasAddress(Address(kService + "X_Kelm.")));
     EXPECT_FALSE(storage_.hasAddress(Address(kService + "X_Kelm.Config.")));

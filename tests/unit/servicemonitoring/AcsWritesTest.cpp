@@ -1,11 +1,11 @@
+#include "tests/unit/servicemonitoring/Monitored.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <random>
 #include <string>
 #include <thread>
-
-#include "tests/unit/servicemonitoring/Monitored.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
+#include "tests/support/Box.h"
+#include "tests/unit/servicemonitoring/Monitored.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
-
-#include "tests/support/Box.h"
-#include "tests/unit/servicemonitoring/Monitored.h"
 
 namespace {
 

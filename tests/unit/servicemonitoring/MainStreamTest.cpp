@@ -1,10 +1,10 @@
+#include "servicemonitoring/STBServiceMonitoringModel.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
 #include <random>
-
-#include "servicemonitoring/STBServiceMonitoringModel.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "model/Storage.h"
+#include "servicemonitoring/ServiceMonitoring.h"
+
 #include <functional>
 #include <set>
 #include <string>
 #include <utility>
-
-#include "model/Storage.h"
-#include "servicemonitoring/ServiceMonitoring.h"
 
 /// Service monitoring that does not look at the box's counter; a test may do something in its
 /// place, in the middle of a cycle.
@@ -52,9 +52,8 @@ class Monitored {
 
     std::set<std::string> names() const {
         std::set<std::string> found;
-        for (const TR::Address& address : storage.listAddresses()) {
+        for (const TR::Address& address : storage.listAddresses())
             found.insert(address.get().substr(prefix().size()));
-        }
         return found;
     }
 

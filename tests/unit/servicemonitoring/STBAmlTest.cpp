@@ -50,15 +50,13 @@ TEST_F(GetSysTest, TheWholeRangeOfTheTypeIsRead) {
 }
 
 TEST_F(GetSysTest, ANumberOutOfRangeIsNoReading) {
-    for (const char* text : {"2147483648", "-2147483649", "4294967295", "99999999999999999999"}) {
+    for (const char* text : {"2147483648", "-2147483649", "4294967295", "99999999999999999999"})
         EXPECT_EQ(reading(text), std::nullopt) << text;
-    }
 }
 
 TEST_F(GetSysTest, AFileWithoutANumberIsNoReading) {
-    for (const char* text : {"", "\n", "none\n", "-", "discontinuities 5", "\xff\xfe"}) {
+    for (const char* text : {"", "\n", "none\n", "-", "discontinuities 5", "\xff\xfe"})
         EXPECT_EQ(reading(text), std::nullopt) << text;
-    }
     EXPECT_EQ(reading(std::string("\0005\n", 3)), std::nullopt);
     EXPECT_EQ(reading(std::string(1 << 20, '9')), std::nullopt);
 }

@@ -1,4 +1,5 @@
 #include "servicemonitoring/ServiceMonitoring.h"
+#include "tests/unit/servicemonitoring/Monitored.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +8,6 @@
 #include <limits>
 #include <set>
 #include <string>
-
-#include "tests/unit/servicemonitoring/Monitored.h"
 
 namespace {
 
@@ -119,9 +118,8 @@ TEST_F(ServiceMonitoringTest, ACycleAddsExactlyTheMainStreamAndTheReportTimes) {
 
 TEST_F(ServiceMonitoringTest, ANewStreamShowsAsDisabledAndWithoutFigures) {
     service_.cycle();
-    for (const char* object : {"", "MainStream.", "MainStream.1."}) {
+    for (const char* object : {"", "MainStream.", "MainStream.1."})
         EXPECT_EQ(service_.value(object), Value::Object()) << object;
-    }
     EXPECT_EQ(service_.value("MainStream.1.Enable"), Value(0LL));
     EXPECT_EQ(service_.value("MainStream.1.Status"), Value(std::string("Disabled")));
     EXPECT_EQ(service_.value("MainStream.1.Total.Reset"), Value(0LL));
@@ -147,9 +145,8 @@ TEST_F(ServiceMonitoringTest, AQuietCycleRecordsNoChangeButTheTimeSinceTheReset)
     service_.cycle();
     service_.storage.clearUpdates();
     service_.cycle();
-    for (const auto& [address, value] : service_.storage.updates()) {
+    for (const auto& [address, value] : service_.storage.updates())
         EXPECT_EQ(address.get(), service_.prefix() + "MainStream.1.Total.ResetTime");
-    }
 }
 
 TEST_F(ServiceMonitoringTest, WithoutAStoreNothingIsPublished) {
@@ -467,9 +464,8 @@ using SettingsOfAnotherTypeTest = ServiceMonitoringTest;
 TEST_F(SettingsOfAnotherTypeTest, ATextForANumberIsSkipped) {
     writeAndCycle("SampleInterval", "10");
     for (const char* name : {"FetchSamples", "ReportSamples", "SampleEnable", "SampleInterval",
-                             "MainStream.1.Total.Reset", "MainStream.1.Enable"}) {
+                             "MainStream.1.Total.Reset", "MainStream.1.Enable"})
         service_.put(name, Value(std::string("1")));
-    }
     const NSTime resetTime = stream().resetTime();
     service_.cycle();
     EXPECT_EQ(text("SampleState"), "Disabled");

@@ -15,9 +15,7 @@ constexpr unsigned kLongestLifeSeconds = 60;
 
 struct Pipe {
     Pipe() {
-        if (pipe2(ends, O_CLOEXEC) != 0) {
-            std::abort();
-        }
+        if (pipe2(ends, O_CLOEXEC) != 0) std::abort();
     }
     int ends[2] = {-1, -1};
 };
@@ -39,9 +37,7 @@ struct Pipe {
 bool readSome(int descriptor, std::string& text) {
     std::array<char, 4096> piece{};
     const ssize_t count = read(descriptor, piece.data(), piece.size());
-    if (count < 0) {
-        return errno == EINTR;
-    }
+    if (count < 0) return errno == EINTR;
     text.append(piece.data(), static_cast<std::size_t>(count));
     return count > 0;
 }
@@ -51,12 +47,10 @@ void drain(int out, int err, ChildResult& result) {
     std::array<std::string*, 2> texts{&result.out, &result.err};
     while (streams[0].fd >= 0 || streams[1].fd >= 0) {
         poll(streams.data(), streams.size(), -1);
-        for (std::size_t i = 0; i < streams.size(); ++i) {
+        for (std::size_t i = 0; i < streams.size(); ++i)
             if (streams[i].fd >= 0 && streams[i].revents != 0 &&
-                !readSome(streams[i].fd, *texts[i])) {
+                !readSome(streams[i].fd, *texts[i]))
                 streams[i].fd = -1;
-            }
-        }
     }
 }
 
@@ -67,9 +61,7 @@ ChildResult runInChild(const std::function<void()>& body) {
     const Pipe err;
     std::fflush(nullptr);
     const pid_t child = fork();
-    if (child == 0) {
-        runBody(body, out, err);
-    }
+    if (child == 0) runBody(body, out, err);
     close(out.ends[1]);
     close(err.ends[1]);
     ChildResult result;

@@ -8,7 +8,7 @@
 #include <mutex>
 #include <thread>
 
-// Something that happens once, on any thread.
+/// Something that happens once, on any thread.
 class Event {
   public:
     void set() {
@@ -17,7 +17,7 @@ class Event {
         changed_.notify_all();
     }
 
-    // False when it has not happened within a time that no healthy run comes near.
+    /// False when it has not happened within a time that no healthy run comes near.
     bool wait(std::chrono::milliseconds patience = std::chrono::seconds(60)) {
         std::unique_lock<std::mutex> guard(mutex_);
         return changed_.wait_until(guard, std::chrono::system_clock::now() + patience,
@@ -30,7 +30,7 @@ class Event {
     bool happened_ = false;
 };
 
-// Runs the body and ends the whole program if it hangs: its objects cannot be left any more.
+/// Runs the body and ends the whole program if it hangs: its objects cannot be left any more.
 inline void mustFinish(const std::function<void()>& body) {
     Event finished;
     std::thread runner([&] {

@@ -5,13 +5,11 @@
 #include <fstream>
 #include <string>
 
-// A folder of one test's own, gone with the object.
+/// A folder of one test's own, gone with the object.
 class TempFolder {
   public:
     TempFolder() : path_((std::filesystem::temp_directory_path() / "kelm-stb-XXXXXX").string()) {
-        if (mkdtemp(path_.data()) == nullptr) {
-            std::abort();
-        }
+        if (mkdtemp(path_.data()) == nullptr) std::abort();
     }
     ~TempFolder() {
         std::error_code ignored;

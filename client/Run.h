@@ -1,8 +1,0 @@
-#pragma once
-
-namespace client {
-
-/// The whole program. Returns its exit status; nothing leaves it by exception.
-int run(int argc, const char* const* argv);
-
-}  // namespace client

@@ -1,0 +1,314 @@
+// The virtual box itself: what is in it, how it ends, what its stand-ins say. These tests run on
+// the host and start boxes; where none can be made they are skipped with the box's own reason.
+
+#include "box/client/TrClient.h"
+#include "tests/box/HostBoxTest.h"
+#include "tests/support/Box.h"
+#include "tests/support/Child.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <signal.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+class BoxTest : public HostBoxTest {
+  protected:
+    // The processes of the host with this word in their command line, zombies left aside.
+    static int processesWith(const std::string& word) {
+        int count = 0;
+        for (const auto& entry : fs::directory_iterator("/proc")) {
+            const std::string line = box::readFile(entry.path() / "cmdline");
+            if (line.find(word) != std::string::npos) ++count;
+        }
+        return count;
+    }
+
+    // A word that no other process on the machine has in its command line.
+    std::string marker() const { return "marker=" + folder(); }
+
+    // A box that runs until somebody ends it; a shell heeds SIGINT at once only in `wait`.
+    std::vector<std::string> endlessBox(const std::string& options = "--bus") const {
+        const std::string command = "sleep 1000 & wait; true " + marker();
+        return withoutTerminal({kBox, options, "--", "sh", "-c", command});
+    }
+
+    void expectNothingLeft() {
+        EXPECT_TRUE(box::waitUntil([this] { return processesWith(marker()) == 0; }, 5s));
+    }
+};
+
+class BoxEndTest : public BoxTest, public ::testing::WithParamInterface<int> {};
+class BoxFaultTest : public BoxTest {};
+class BoxRefusalTest : public BoxTest {
+  protected:
+    // These need no box.
+    void SetUp() override {}
+
+    // A PATH with everything that the script needs, and bwrap as the test wants it.
+    Child::Environment pathWith(const std::string& bwrap) {
+        for (const char* tool : {"bash", "dirname", "env", "busybox", "ip", "setpriv", "realpath",
+                                 "readlink", "sh", "cat"})
+            fs::create_symlink(fs::path("/usr/bin") / tool, fs::path(folder()) / tool);
+        if (!bwrap.empty()) {
+            const fs::path program = fs::path(folder()) / "bwrap";
+            std::ofstream(program) << "#!/bin/sh\n" << bwrap << '\n';
+            fs::permissions(program, fs::perms::owner_all);
+        }
+        return {{"PATH", folder()}};
+    }
+};
+
+TEST_F(BoxTest, PassesTheExitStatusOn) {
+    EXPECT_EQ(run({kBox, "--", "sh", "-c", "exit 5"}).end.code, 5);
+    EXPECT_EQ(run({kBox, "--", "sh", "-c", "exit 255"}).end.code, 255);
+    EXPECT_EQ(run({kBox, "--", "no-such-command"}).end.code, 127);
+}
+
+TEST_F(BoxTest, PassesASignalOnAs128PlusItsNumber) {
+    EXPECT_EQ(run({kBox, "--", "sh", "-c", "kill -SEGV $$"}).end.code, 128 + SIGSEGV);
+    EXPECT_EQ(run({kBox, "--", "sh", "-c", "kill -KILL $$"}).end.code, 128 + SIGKILL);
+}
+
+TEST_F(BoxTest, HandsStandardInputThrough) {
+    const std::string script = "echo hello | " + kBox + " -- cat";
+    EXPECT_EQ(run({"sh", "-c", script}).output, "hello\n");
+    // Also in a script's background, where SIGINT is ignored at first.
+    EXPECT_EQ(run({"sh", "-c", "(" + script + ") & wait"}).output, "hello\n");
+}
+
+TEST_F(BoxTest, HasTheInterfacesOfASetTopBox) {
+    const std::string links = inBox("ip -o link; ip -o -4 address");
+    EXPECT_TRUE(std::regex_search(links, std::regex(" eth0@.* 00:1a:2b:3c:4d:5e "))) << links;
+    EXPECT_TRUE(std::regex_search(links, std::regex(" wlan0@.* 00:1a:2b:3c:4d:5f "))) << links;
+    EXPECT_NE(links.find("inet 192.168.1.20/24"), std::string::npos) << links;
+    EXPECT_NE(links.find("inet 192.168.2.20/24"), std::string::npos) << links;
+    EXPECT_EQ(inBox("ls /proc/sys/net/ipv4/conf", {"--no-veth"}), "all\ndefault\nlo");
+}
+
+TEST_F(BoxTest, HasItsOwnProcessesAndBusyboxCommands) {
+    EXPECT_EQ(inBox("[ $(ps | wc -l) -lt 8 ] && echo few"), "few");
+    EXPECT_EQ(inBox("readlink -f $(which sh)"), "/usr/host/bin/busybox");
+    EXPECT_EQ(inBox("readlink -f /usr/bin/uci"), "/usr/kelm-box/uci");
+}
+
+TEST_F(BoxTest, KeepsItsFilesToItself) {
+    EXPECT_EQ(inBox("cat /etc/kelm_deviceid"), " B410 ");
+    EXPECT_EQ(inBox("echo 1 > /etc/kelm_deviceid; echo 2 > /sys/class/net/eth0/speed; "
+                    "cat /etc/kelm_deviceid /sys/class/net/eth0/speed"),
+              "1\n2");
+    EXPECT_EQ(inBox("cat /etc/kelm_deviceid"), " B410 ");
+    EXPECT_EQ(inBox("touch /usr/lib/x " + kBox + ".x 2>/dev/null || echo refused"), "refused");
+}
+
+TEST_F(BoxTest, ShowsAFileOfTheHostInsteadOfTheFixtures) {
+    const std::string file = folder() + "/id";
+    std::ofstream(file) << "C99\n";
+    EXPECT_EQ(inBox("cat /etc/kelm_deviceid", {"--ro-bind", file + ":/etc/kelm_deviceid"}), "C99");
+    EXPECT_EQ(inBox("echo D1 > /etc/kelm_deviceid", {"--bind", file + ":/etc/kelm_deviceid"}), "");
+    EXPECT_EQ(box::readFile(file), "D1\n");
+}
+
+TEST_F(BoxTest, LetsInOnlyTheEnvironmentThatItNames) {
+    const auto result =
+        run({kBox, "--env", "ONE=a b", "--", "sh", "-c", "echo $ONE,$TWO,$TSAN_OPTIONS"},
+            {{"TWO", "2"}, {"TSAN_OPTIONS", "x=1"}});
+    EXPECT_EQ(result.output, "a b,,x=1\n");
+}
+
+TEST_F(BoxTest, ItsBusCanBeReachedFromTheHost) {
+    const std::string news = folder() + "/news";
+    Child box(withoutTerminal(
+                  {"sh", "-c", R"(exec "$0" --bus --info-fd 7 -- sleep 1000 7>"$1")", kBox, news}),
+              folder() + "/output");
+    std::smatch found;
+    std::string told;
+    ASSERT_TRUE(box::waitUntil([&] {
+        told = box::readFile(news);
+        return std::regex_search(told, found, std::regex("bus=(.*)\n"));
+    }));
+    TrClient client(found[1], "org.freedesktop.DBus");
+    EXPECT_TRUE(client.connected()) << client.connectError().errorText;
+    EXPECT_EQ(client.owner(), "org.freedesktop.DBus");
+}
+
+TEST_F(BoxTest, UciReadsAndStagesOptions) {
+    const std::string code = "easycwmp.@local[0].provisioning_code";
+    EXPECT_EQ(inBox("uci -q get " + code + "; echo $?"), "1");
+    EXPECT_EQ(
+        inBox("uci -q set " + code + "='a \"b\" \\c'; echo $?; uci -q get " + code + "; echo $?"),
+        "0\na \"b\" \\c\n0");
+    EXPECT_EQ(
+        inBox("uci set " + code + "=x; uci changes; uci commit; uci changes; uci get " + code),
+        code + "='x'\nx");
+    EXPECT_EQ(inBox("uci set " + code + "=x; uci set " + code + "=; uci get " + code + "; echo $?"),
+              "uci: Entry not found\n1");
+}
+
+TEST_F(BoxTest, UciRefusesUnknownSectionsAndPackages) {
+    EXPECT_EQ(inBox("uci -q set easycwmp.@local[1].a=1; echo $?; uci -q get easycwmp.@local[1].a; "
+                    "echo $?"),
+              "1\n1");
+    EXPECT_EQ(inBox("uci -q set other.@local[0].a=1; echo $?; uci -q changes"), "1");
+    EXPECT_EQ(inBox("uci -q set easycwmp.@local[0].../../x=1; echo $?"), "1");
+}
+
+TEST_F(BoxTest, StandInsLogTheirCalls) {
+    EXPECT_EQ(inBox("/usr/bin/uci -q get a.b.c; ubus -t 1 call tr069 notify; ps >/dev/null; "
+                    "cat /run/kelm-box/log/uci /run/kelm-box/log/ubus /run/kelm-box/log/ps"),
+              "uci -q get a.b.c\nubus -t 1 call tr069 notify\nps");
+}
+
+TEST_F(BoxTest, LogLinesOfCallsAtTheSameTimeDoNotMix) {
+    EXPECT_EQ(inBox("long=$(printf %06000d 0); for i in 1 2 3 4 5 6; do for j in 1 2 3 4 5; do "
+                    "ubus $long; done & done; wait; sort /run/kelm-box/log/ubus | uniq | wc -l; "
+                    "wc -l < /run/kelm-box/log/ubus"),
+              "1\n30");
+}
+
+TEST_F(BoxTest, IwTellsTheLinkOfTheFixture) {
+    EXPECT_NE(inBox("iw wlan0 link").find("\n\tsignal: -45 dBm\n"), std::string::npos);
+    EXPECT_EQ(inBox("rm /run/kelm-box/iw/wlan0; iw wlan0 link"), "Not connected.");
+    EXPECT_EQ(inBox("iw wlan9 link 2>/dev/null; echo $?"), "237");
+}
+
+TEST_F(BoxFaultTest, CommandsFailAsTold) {
+    const auto withFault = [this](const std::string& fault, const std::string& script) {
+        return inBox("echo " + fault + " > /run/kelm-box/fault/iw; " + script);
+    };
+    EXPECT_EQ(withFault("exit 3", "iw wlan0 link; echo $?"), "3");
+    EXPECT_EQ(withFault("silent", "iw wlan0 link; echo $?"), "0");
+    EXPECT_EQ(withFault("flood", "iw wlan0 link | wc -c"), "10485760");
+    EXPECT_EQ(withFault("line", "iw wlan0 link | wc -c -l | xargs"), "0 10485760");
+    EXPECT_EQ(withFault("noeol", "iw wlan0 link | wc -l"), "11");
+    EXPECT_EQ(withFault("garbage", "iw wlan0 link | tr -dc '\\000' | wc -c"), "3");
+    EXPECT_EQ(withFault("hang", "{ timeout -s KILL 0.3 iw wlan0 link; echo $?; } 2>/dev/null"),
+              "137");
+    EXPECT_EQ(withFault("nonsense", "iw wlan0 link 2>/dev/null; echo $?"), "99");
+}
+
+TEST_F(BoxFaultTest, PipesAndCommandsEndApart) {
+    // The times are how long the reader and the command itself take, in hundredths of a second.
+    const std::string clock = R"(now() { awk '{ print int($1 * 100) }' /proc/uptime; }
+        spent() { echo $(( $(now) - start )); }
+        start=$(now); )";
+    const auto spent = [&](const std::string& fault, const std::string& script) {
+        return std::stoi(inBox("echo " + fault + " > /run/kelm-box/fault/ubus; " + clock + script));
+    };
+    EXPECT_GE(spent("slow 1", "ubus; spent"), 95);
+    EXPECT_GE(spent("closeearly 1", "ubus | cat; spent"), 95);
+    EXPECT_LT(spent("closeearly 2", "(ubus; true) | { cat; spent >&2; } 2>&1 & sleep 0.01; wait"),
+              300);
+    EXPECT_GE(spent("background 1", "ubus | cat; spent"), 95);
+    EXPECT_LT(spent("background 2", "ubus >/dev/null; spent"), 95);
+}
+
+TEST_F(BoxTest, AForeignTestProgramRunsThroughItsEmulator) {
+    EXPECT_EQ(run({KELM_BOX_FOLDER "/test-in-box", "echo", "emulator", "--", "/bin/program", "-a"})
+                  .output,
+              "emulator /bin/program -a\n");
+}
+
+TEST_P(BoxEndTest, LeavesNothingBehind) {
+    Child box(endlessBox(), folder() + "/output");
+    ASSERT_TRUE(box::waitUntil([this] { return processesWith(marker()) >= 4; }));
+    box.send(GetParam());
+    ASSERT_TRUE(box.waitForEnd().has_value());
+    expectNothingLeft();
+}
+INSTANTIATE_TEST_SUITE_P(Signals, BoxEndTest, ::testing::Values(SIGINT, SIGTERM, SIGHUP, SIGKILL));
+
+TEST_F(BoxTest, LeavesNothingBehindWhenCutShortInTheBoot) {
+    for (const auto delay : {5ms, 15ms, 25ms, 35ms, 45ms, 60ms}) {
+        for (const int signal : {SIGINT, SIGKILL}) {
+            Child box(endlessBox("--no-veth"), folder() + "/output");
+            std::this_thread::sleep_for(delay);
+            box.send(signal);
+            ASSERT_TRUE(box.waitForEnd().has_value()) << delay.count();
+            expectNothingLeft();
+        }
+    }
+}
+
+TEST_F(BoxTest, DiesWithWhoeverStartedIt) {
+    const std::string script = R"("$@" & wait)";
+    std::vector<std::string> command = endlessBox();
+    command.insert(command.begin(), {"sh", "-c", script, "sh"});
+    Child starter(command, folder() + "/output");
+    ASSERT_TRUE(box::waitUntil([this] { return processesWith(marker()) >= 5; }));
+    starter.send(SIGKILL);
+    ASSERT_TRUE(starter.waitForEnd().has_value());
+    expectNothingLeft();
+}
+
+// As a terminal does it without being the box's standard input: the whole process group gets it.
+TEST_F(BoxTest, SigintReachesTheCommandOnce) {
+    const std::string script =
+        "trap 'count=x$count' INT; echo ready; "
+        "for i in 1 2 3 4 5 6 7 8 9 10; do sleep 0.1; done; echo $count; exit 4";
+    const std::string output = folder() + "/output";
+    const std::string news = folder() + "/news";
+    std::vector<std::string> command = withoutTerminal(
+        {"sh", "-c", R"(exec "$0" --info-fd 7 -- sh -c "$2" 7>"$1")", kBox, news, script});
+    command.insert(command.begin(), "setsid");
+    Child box(command, output);
+    // Before it has told who the command is, a signal cuts the boot short instead of being passed
+    // on.
+    ASSERT_TRUE(box::waitUntil([&] {
+        return box::readFile(output) == "ready\n" &&
+               box::readFile(news).find("bus=") != std::string::npos;
+    }));
+    kill(-box.pid(), SIGINT);
+    EXPECT_EQ(box.waitForEnd(), (ExitStatus{4, 0}));
+    EXPECT_EQ(box::readFile(output), "ready\nx\n");
+}
+
+TEST_F(BoxRefusalTest, SaysInOneLineWhyThereIsNoBox) {
+    const auto result = run({kBox, "--", "true"}, pathWith(""));
+    EXPECT_EQ(result.end.code, kRefused);
+    EXPECT_EQ(result.output, "box: no virtual box here: bwrap is not installed\n");
+}
+
+TEST_F(BoxRefusalTest, TellsTheKernelsReason) {
+    const auto result =
+        run({kBox, "--", "true"}, pathWith("echo 'bwrap: No permissions' >&2; exit 1"));
+    EXPECT_EQ(result.end.code, kRefused);
+    EXPECT_EQ(result.output, "box: no virtual box here: bwrap: No permissions\n");
+}
+
+TEST_F(BoxRefusalTest, ATestIsReportedAsSkipped) {
+    const auto result = run({KELM_BOX_FOLDER "/test-in-box", "/bin/true"}, pathWith(""));
+    EXPECT_EQ(result.end, ExitStatus{});
+    EXPECT_EQ(result.output, "[  SKIPPED ] the virtual box: bwrap is not installed\n");
+}
+
+TEST_F(BoxRefusalTest, ListingTestsNeedsNoBox) {
+    const auto result =
+        run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "--gtest_list_tests"}, pathWith(""));
+    EXPECT_EQ(result.output, "--gtest_list_tests\n");
+}
+
+TEST_F(BoxRefusalTest, AnEmulatorListsAForeignProgramsTests) {
+    const auto result = run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "emulator", "--",
+                             "/bin/program", "--gtest_list_tests"},
+                            pathWith(""));
+    EXPECT_EQ(result.output, "emulator /bin/program --gtest_list_tests\n");
+}
+
+TEST_F(BoxRefusalTest, AWrongCallIsNoRefusal) {
+    EXPECT_EQ(run({kBox, "--nonsense", "--", "true"}).end.code, 2);
+    EXPECT_EQ(run({kBox}).end.code, 2);
+    EXPECT_EQ(run({kBox, "--help"}).end.code, 0);
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+#include "stb/src/common/Commands.h"
+#include "tests/unit/stb/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace TR::Utils;
+using Texts = std::vector<std::string>;
+
+TEST(UtilsCommandTest, OutputIsReturnedWithItsLineFeeds) {
+    EXPECT_EQ(getCmdOutput("echo one; echo two"), "one\ntwo\n");
+    EXPECT_EQ(getCmdOutput("printf half"), "half");
+    EXPECT_EQ(getCmdOutput("true"), "");
+}
+
+TEST(UtilsCommandTest, TheExitStatusIsIgnored) {
+    EXPECT_EQ(getCmdOutput("echo x; exit 3"), "x\n");
+}
+
+TEST(UtilsCommandTest, AMissingCommandPrintsNothing) {
+    EXPECT_EQ(getCmdOutput("/no/such/command 2>/dev/null"), "");
+    EXPECT_TRUE(processPipe("/no/such/command 2>/dev/null").empty());
+}
+
+TEST(UtilsCommandTest, NulAndInvalidBytesAreKept) {
+    EXPECT_EQ(getCmdOutput("printf 'a\\000b\\377'"), std::string("a\0b\xff", 4));
+    EXPECT_EQ(processPipe("printf 'a\\000b\\nc'"), (Texts{std::string("a\0b\n", 4), "c"}));
+}
+
+TEST(UtilsCommandTest, OutputAroundThePieceSizeIsWhole) {
+    for (const int size : {997, 998, 999, 1996, 1000000}) {
+        const std::string output =
+            getCmdOutput("head -c " + std::to_string(size) + " /dev/zero | tr '\\000' x");
+        EXPECT_EQ(output, std::string(static_cast<std::size_t>(size), 'x')) << size;
+    }
+}
+
+TEST(UtilsCommandTest, TwoLinesGiveTwoTextsWithTheirLineFeeds) {
+    EXPECT_EQ(processPipe("echo one; echo two"), (Texts{"one\n", "two\n"}));
+    EXPECT_EQ(processPipe("printf 'one\\n\\nlast'"), (Texts{"one\n", "\n", "last"}));
+    EXPECT_TRUE(processPipe("true").empty());
+}
+
+TEST(UtilsCommandTest, ACommandThatCannotBeStartedGivesNothing) {
+    const ChildResult child = runInChild([] {
+        const rlimit noMoreFiles{3, 3};
+        setrlimit(RLIMIT_NOFILE, &noMoreFiles);
+        std::printf("[%s][%zu]", getCmdOutput("echo x").c_str(), processPipe("echo x").size());
+    });
+    EXPECT_EQ(child.out, "[][0]");
+}
+
+TEST(UtilsCommandTest, ACommandThatIsOnlyRunPrintsToTheOwnOutput) {
+    const ChildResult child = runInChild([] { runCommand("echo x; exit 3"); });
+    EXPECT_EQ(child.out, "x\n");
+}
+
+TEST(UtilsCommandTest, RunningACommandLosesNoPendingInterrupt) {
+    sigset_t interrupt;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &interrupt, nullptr);
+    kill(getpid(), SIGINT);
+    runCommand("true");
+    const timespec atOnce{};
+    EXPECT_EQ(sigtimedwait(&interrupt, nullptr, &atOnce), SIGINT);
+}
+
+TEST(UtilsCommandTest, NoDescriptorLeaks) {
+    using Iterator = std::filesystem::directory_iterator;
+    const auto before = std::distance(Iterator("/proc/self/fd"), Iterator());
+    for (int i = 0; i < 5; ++i) {
+        getCmdOutput("echo x");
+        processPipe("exit 1");
+        runCommand("true");
+    }
+    EXPECT_EQ(std::distance(Iterator("/proc/self/fd"), Iterator()), before);
+}

@@ -1,0 +1,41 @@
+#include "stb/src/common/SystemTexts.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace {
+
+class GetLogsTest : public testing::Test {
+  protected:
+    // The box comes with logs of its own.
+    void SetUp() override {
+        std::remove("/tmp/syslog");
+        for (int rotation = 0; rotation <= 300; ++rotation)
+            std::remove(("/tmp/syslog." + std::to_string(rotation)).c_str());
+    }
+};
+
+}  // namespace
+
+TEST_F(GetLogsTest, WithOnlyTheCurrentLogItIsReturnedAsItStands) {
+    std::ofstream("/tmp/syslog") << "only line\n";
+    char* const logs = TR::getLogs();
+    EXPECT_STREQ(logs, "only line\n");
+    std::free(logs);
+}
+
+TEST_F(GetLogsTest, ARotatedLogComesBeforeTheCurrentOne) {
+    std::ofstream("/tmp/syslog") << "new\n";
+    std::ofstream("/tmp/syslog.0") << "old\n";
+    char* const logs = TR::getLogs();
+    EXPECT_STREQ(logs, "old\nnew\n");
+    std::free(logs);
+}
+
+TEST_F(GetLogsTest, WithoutAnyLogThereIsNoText) {
+    EXPECT_EQ(TR::getLogs(), nullptr);
+}

@@ -1,0 +1,51 @@
+#include "stb/src/common/RegularFile.h"
+#include "tests/unit/stb/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+class RegularFileTest : public testing::Test {
+  protected:
+    const TempFolder folder_;
+};
+
+}  // namespace
+
+TEST_F(RegularFileTest, AFileTellsItsSizeAndItsBytes) {
+    RegularFile file(folder_.write("plain", "12345"));
+    ASSERT_TRUE(file.isOpen());
+    EXPECT_EQ(file.sizeHint(), 5U);
+    char bytes[8] = "";
+    EXPECT_EQ(file.read(bytes, 2), 2U);
+    EXPECT_EQ(file.read(bytes + 2, 6), 3U);
+    EXPECT_STREQ(bytes, "12345");
+    EXPECT_EQ(file.read(bytes, 8), 0U);
+}
+
+TEST_F(RegularFileTest, AFileTruncatedAfterOpeningGivesOnlyWhatIsLeft) {
+    const std::string path = folder_.write("shrinking", "1234567890");
+    RegularFile file(path);
+    ASSERT_EQ(truncate(path.c_str(), 3), 0);
+    char bytes[10] = "";
+    EXPECT_EQ(file.read(bytes, file.sizeHint()), 3U);
+}
+
+TEST_F(RegularFileTest, WhatIsNoRegularFileIsNotOpen) {
+    const std::string fifo = folder_.path("fifo");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (const std::string& path :
+         {folder_.path(""), fifo, folder_.path("missing"), std::string("/dev/zero"), std::string()})
+        EXPECT_FALSE(RegularFile(path).isOpen()) << path;
+}
+
+TEST_F(RegularFileTest, ASymbolicLinkIsFollowed) {
+    const std::string link = folder_.path("link");
+    ASSERT_EQ(symlink(folder_.write("target", "x").c_str(), link.c_str()), 0);
+    EXPECT_TRUE(RegularFile(link).isOpen());
+}

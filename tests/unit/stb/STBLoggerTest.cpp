@@ -1,0 +1,291 @@
+#include "stb/src/common/NSRegExp.h"
+#include "stb/src/common/STBLogger.h"
+#include "tests/unit/stb/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Environment = std::map<std::string, std::string>;
+
+constexpr STBLoggerLogParams kApp{"> ", "APP", "test", 1, 1};
+constexpr const char* kFile = "src/common/STBThread";
+
+std::string withoutTimes(std::string text) {
+    const NSRegExp time("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3} ");
+    for (std::vector<std::string> found; time.match(text, found);)
+        text.replace(text.find(found[0]), found[0].size(), "TIME ");
+    return text;
+}
+
+// What a process of its own writes to stderr, with the times masked.
+std::string logged(const Environment& environment, const std::function<void()>& body) {
+    const ChildResult child = runInChild([&] {
+        for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+        body();
+    });
+    EXPECT_TRUE(child.exitedWith(0)) << child.out << child.err;
+    EXPECT_EQ(child.out, "");
+    return withoutTimes(child.err);
+}
+
+void logAs(STBLogLevel level, const char* text, const char* module = "") {
+    STBLogger_log(kApp, module, level, 7, kFile, "%s", text);
+}
+
+void logEveryLevel() {
+    logAs(STBLogLevel::Error, "e");
+    logAs(STBLogLevel::Warn, "w");
+    logAs(STBLogLevel::Info, "i");
+    logAs(STBLogLevel::Debug, "d");
+    logAs(STBLogLevel::Trace, "t");
+}
+
+std::string greeting(const std::string& level) {
+    return "> TIME INFO [STBLogger] Logger for application \"APP\" was successfully initialized "
+           "(level:" +
+           level + ")\n";
+}
+
+const std::string kErrorLine = "> TIME ERROR [STBThread] e\n";
+const std::string kWarnLine = "> TIME WARN [STBThread] w\n";
+const std::string kInfoLine = "> TIME INFO [STBThread] i\n";
+const std::string kDebugLine = "> TIME DEBUG [STBThread] d\n";
+const std::string kTraceLine = "> TIME TRACE [STBThread] t\n";
+
+}  // namespace
+
+TEST(STBLoggerTest, TheDaemonsRecordIsTheFamiliarOne) {
+    const STBLoggerLogParams& params = kelmLogParams();
+    EXPECT_STREQ(params.prefix, "    ");
+    EXPECT_STREQ(params.application, "KELM");
+    EXPECT_STREQ(params.category, "debug");
+    EXPECT_EQ(params.console, 1);
+    EXPECT_EQ(params.syslog, 1);
+    EXPECT_EQ(&params, &kelmLogParams());
+}
+
+TEST(STBLoggerTest, WithoutVariablesTheLevelIsInfo) {
+    EXPECT_EQ(logged({}, logEveryLevel), greeting("INFO") + kErrorLine + kWarnLine + kInfoLine);
+}
+
+TEST(STBLoggerTest, AnEmptyModuleIsTheBaseNameOfTheFile) {
+    const auto log = [] {
+        for (const char* file : {"src/common/STBThread", "a.b/Name.cpp", "x.y.cpp", "plain", "d/"})
+            STBLogger_log(kApp, "", STBLogLevel::Error, 1, file, "m");
+    };
+    EXPECT_EQ(logged({}, log), greeting("INFO") +
+                                   "> TIME ERROR [STBThread] m\n> TIME ERROR [Name] m\n"
+                                   "> TIME ERROR [x.y] m\n> TIME ERROR [plain] m\n"
+                                   "> TIME ERROR m\n");
+}
+
+TEST(STBLoggerTest, AModuleThatIsGivenStands) {
+    const auto log = [] { logAs(STBLogLevel::Error, "m", "Tuner"); };
+    EXPECT_EQ(logged({}, log), greeting("INFO") + "> TIME ERROR [Tuner] m\n");
+}
+
+TEST(STBLoggerTest, LevelNamesAreMatchedWithoutRegardToCase) {
+    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "debug"}}, logEveryLevel),
+              greeting("DEBUG") + kErrorLine + kWarnLine + kInfoLine + kDebugLine);
+    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "Trace"}}, logEveryLevel),
+              greeting("TRACE") + kErrorLine + kWarnLine + kInfoLine + kDebugLine + kTraceLine);
+}
+
+TEST(STBLoggerTest, TheErrorLevelSilencesEvenTheGreeting) {
+    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "error"}}, logEveryLevel), kErrorLine);
+    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "WARN"}}, logEveryLevel), kErrorLine + kWarnLine);
+}
+
+TEST(STBLoggerTest, AnUnknownLevelIsReportedAndBecomesInfo) {
+    for (const std::string text : {"NONE", "loud", ""}) {
+        EXPECT_EQ(logged({{"APP_LOG_LEVEL", text}}, logEveryLevel),
+                  "> TIME ERROR [STBLogger] Unknown log level: '" + text +
+                      "', setting to 'INFO'\n" + greeting("INFO") + kErrorLine + kWarnLine +
+                      kInfoLine);
+    }
+}
+
+TEST(STBLoggerTest, AListedModuleLogsMoreThanTheRest) {
+    const Environment environment{{"APP_LOG_LEVEL", "ERROR"},
+                                  {"APP_LOG_DEBUG_MODULES", "Tuner,STBThread"}};
+    const auto log = [] {
+        logEveryLevel();
+        logAs(STBLogLevel::Debug, "other", "Other");
+    };
+    EXPECT_EQ(logged(environment, log), kErrorLine + kWarnLine + kInfoLine + kDebugLine);
+}
+
+TEST(STBLoggerTest, AListedModuleLogsLessThanTheRest) {
+    const auto log = [] { logAs(STBLogLevel::Info, "i", "Quiet"); };
+    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "TRACE"}, {"APP_LOG_WARN_MODULES", "Quiet"}}, log),
+              "> TIME INFO [STBLogger] Setting loglevel for module 'Quiet' to 'WARN'\n" +
+                  greeting("TRACE"));
+}
+
+TEST(STBLoggerTest, ModuleListsAreReadInOrderAndTheLastWins) {
+    const Environment environment{{"APP_LOG_WARN_MODULES", "A,,B"},
+                                  {"APP_LOG_INFO_MODULES", "C"},
+                                  {"APP_LOG_DEBUG_MODULES", "D"},
+                                  {"APP_LOG_TRACE_MODULES", "A"}};
+    const auto log = [] { logAs(STBLogLevel::Trace, "t", "A"); };
+    const std::string setting = "> TIME INFO [STBLogger] Setting loglevel for module ";
+    EXPECT_EQ(logged(environment, log), setting + "'A' to 'WARN'\n" + setting + "'B' to 'WARN'\n" +
+                                            setting + "'C' to 'INFO'\n" + setting +
+                                            "'D' to 'DEBUG'\n" + setting + "'A' to 'TRACE'\n" +
+                                            greeting("INFO") + "> TIME TRACE [A] t\n");
+}
+
+TEST(STBLoggerTest, AMessageGetsExactlyOneLineFeed) {
+    const auto log = [] {
+        logAs(STBLogLevel::Error, "one\n");
+        logAs(STBLogLevel::Error, "two\n\n");
+        logAs(STBLogLevel::Error, "");
+    };
+    EXPECT_EQ(logged({}, log), greeting("INFO") +
+                                   "> TIME ERROR [STBThread] one\n> TIME ERROR [STBThread] two\n\n"
+                                   "> TIME ERROR [STBThread] \n");
+}
+
+TEST(STBLoggerTest, LineNumbersShowWhenSwitchedOnAndPositive) {
+    const auto log = [] {
+        logAs(STBLogLevel::Error, "m");
+        STBLogger_log(kApp, "M", STBLogLevel::Error, 0, kFile, "m");
+    };
+    const std::string text = logged({{"APP_LOG_LINENUM", "1"}}, log);
+    EXPECT_NE(text.find("> TIME ERROR [STBThread:7] m\n> TIME ERROR [M] m\n"), std::string::npos)
+        << text;
+}
+
+TEST(STBLoggerTest, TheThreadIdComesBeforeTheModule) {
+    const auto log = [] { logAs(STBLogLevel::Error, "m"); };
+    const std::string text = logged({{"APP_LOG_THREAD_ID", "y"}}, log);
+    EXPECT_TRUE(NSRegExp("> TIME ERROR 0x[0-9a-f]+ \\[STBThread\\] m\n").match(text)) << text;
+}
+
+TEST(STBLoggerTest, SwitchesAreOnForOneAndYOnly) {
+    const auto log = [] { logAs(STBLogLevel::Error, "e"); };
+    for (const char* off : {"yes", "Y", "0", "", "on", "11"}) {
+        EXPECT_EQ(logged({{"APP_LOG_LINENUM", off},
+                          {"APP_LOG_THREAD_ID", off},
+                          {"APP_LOG_USE_COLORS", off},
+                          {"APP_LOG_SYSLOG", off}},
+                         log),
+                  greeting("INFO") + kErrorLine);
+    }
+}
+
+TEST(STBLoggerTest, ColouredLinesCarryALetterAndEscapes) {
+    const Environment environment{{"APP_LOG_LEVEL", "TRACE"}, {"APP_LOG_USE_COLORS", "y"}};
+    const std::string text = logged(environment, logEveryLevel);
+    const std::string expected =
+        "\x1b[31m> TIME E [STBThread] e\x1b[0m\n\x1b[33m> TIME W [STBThread] w\x1b[0m\n"
+        "\x1b[34m> TIME I [STBThread] i\x1b[0m\n\x1b[0m> TIME D [STBThread] d\x1b[0m\n"
+        "\x1b[0m> TIME T [STBThread] t\x1b[0m\n";
+    ASSERT_GE(text.size(), expected.size());
+    EXPECT_EQ(text.substr(text.size() - expected.size()), expected);
+}
+
+TEST(STBLoggerTest, ALongMessageIsCutButStillEndsInALineFeed) {
+    const auto log = [] { logAs(STBLogLevel::Error, std::string(5000, 'x').c_str()); };
+    const ChildResult child = runInChild(log);
+    const std::string line = child.err.substr(child.err.find('\n') + 1);
+    EXPECT_EQ(line.size(), 1024U);
+    EXPECT_EQ(line.substr(1020), "xxx\n");
+}
+
+TEST(STBLoggerTest, ALongColouredMessageKeepsItsReset) {
+    const ChildResult child = runInChild([] {
+        setenv("APP_LOG_USE_COLORS", "1", 1);
+        logAs(STBLogLevel::Error, std::string(5000, 'x').c_str());
+    });
+    const std::string ending = "xxx\x1b[0m\n";
+    EXPECT_EQ(child.err.substr(child.err.size() - ending.size()), ending);
+}
+
+TEST(STBLoggerTest, OneAndYSwitchToSyslog) {
+    for (const char* on : {"1", "y"}) {
+        EXPECT_EQ(logged({{"APP_LOG_SYSLOG", on}, {"APP_LOG_LEVEL", "TRACE"}}, logEveryLevel),
+                  "openlog(null, 3, 8)\n"
+                  "syslog 6: Logger for application \"APP\" was successfully initialized "
+                  "(level:TRACE)\n"
+                  "syslog 3: e\nsyslog 4: w\nsyslog 6: i\nsyslog 7: d\nsyslog 8: t\n");
+    }
+}
+
+TEST(STBLoggerTest, AnEmptyApplicationIsUnknownInSyslog) {
+    const auto log = [] {
+        constexpr STBLoggerLogParams kNameless{"", "", "", 1, 1};
+        STBLogger_log(kNameless, "M", STBLogLevel::Error, 1, "f", "m");
+    };
+    EXPECT_EQ(logged({{"_LOG_SYSLOG", "1"}}, log),
+              "openlog(null, 3, 8)\n"
+              "syslog 6: Logger for application \"UNKNOWN\" was successfully initialized "
+              "(level:INFO)\n"
+              "syslog 3: m\n");
+}
+
+TEST(STBLoggerTest, ACallersSwitchesKeepItsMessagesBack) {
+    const auto log = [] {
+        logAs(STBLogLevel::Error, "e");
+        STBLoggerLogParams mute = kApp;
+        mute.console = 0;
+        mute.syslog = 0;
+        STBLogger_log(mute, "M", STBLogLevel::Error, 1, "f", "mute");
+    };
+    EXPECT_EQ(logged({}, log), greeting("INFO") + kErrorLine);
+    EXPECT_EQ(logged({{"APP_LOG_SYSLOG", "1"}, {"APP_LOG_LEVEL", "ERROR"}}, log),
+              "openlog(null, 3, 8)\nsyslog 3: e\n");
+}
+
+TEST(STBLoggerTest, EveryApplicationHasALoggerOfItsOwn) {
+    const auto log = [] {
+        constexpr STBLoggerLogParams kOther{"", "OTHER", "", 1, 1};
+        STBLogger_log(kOther, "M", STBLogLevel::Debug, 1, "f", "d");
+        logEveryLevel();
+        STBLogger_log(kOther, "M", STBLogLevel::Debug, 1, "f", "again");
+    };
+    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "ERROR"}, {"OTHER_LOG_LEVEL", "DEBUG"}}, log),
+              "TIME INFO [STBLogger] Logger for application \"OTHER\" was successfully "
+              "initialized (level:DEBUG)\nTIME DEBUG [M] d\n" +
+                  kErrorLine + "TIME DEBUG [M] again\n");
+}
+
+TEST(STBLoggerTest, NullTextsAreEmptyTexts) {
+    const auto log = [] {
+        constexpr STBLoggerLogParams kNull{nullptr, nullptr, nullptr, 1, 1};
+        STBLogger_log(kNull, nullptr, STBLogLevel::Error, 1, nullptr, "m");
+    };
+    const std::string text = logged({}, log);
+    EXPECT_NE(text.find("TIME ERROR m\n"), std::string::npos) << text;
+}
+
+TEST(STBLoggerTest, LinesOfManyThreadsNeverInterleave) {
+    constexpr int kThreads = 4;
+    constexpr int kLines = 250;
+    const auto log = [] {
+        std::vector<std::thread> threads;
+        for (int i = 0; i < kThreads; ++i)
+            threads.emplace_back([i] {
+                const std::string text(200, static_cast<char>('a' + i));
+                for (int line = 0; line < kLines; ++line) logAs(STBLogLevel::Error, text.c_str());
+            });
+        for (std::thread& thread : threads) thread.join();
+    };
+    std::istringstream text(logged({{"APP_LOG_LEVEL", "ERROR"}}, log));
+    const std::string start = "> TIME ERROR [STBThread] ";
+    int lines = 0;
+    for (std::string line; std::getline(text, line); ++lines) {
+        ASSERT_EQ(line.substr(0, start.size()), start);
+        ASSERT_EQ(line.substr(start.size()), std::string(200, line.back()));
+    }
+    EXPECT_EQ(lines, kThreads * kLines);
+}

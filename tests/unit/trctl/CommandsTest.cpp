@@ -1,0 +1,264 @@
+#include "trctl/Commands.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <string>
+
+namespace {
+
+using namespace trctl;
+
+/// A daemon without a bus, which counts what it is asked. As the real one, it adds the addresses
+/// that the flag queries and `set` name.
+class FakeDaemon : public client::Daemon {
+  public:
+    struct Entry {
+        std::string value;
+        bool isWritable = false;
+    };
+
+    std::vector<std::string> addresses() override {
+        ++calls;
+        std::vector<std::string> list;
+        for (const auto& [address, entry] : entries) list.push_back(address);
+        return list;
+    }
+    std::vector<std::string> parameters() override {
+        std::vector<std::string> list = addresses();
+        list.erase(std::remove_if(list.begin(), list.end(), isObject), list.end());
+        return list;
+    }
+    std::string value(const std::string& address) override {
+        ++calls;
+        if (refused.count(address) != 0) throw client::Refused("too large");
+        const auto entry = entries.find(address);
+        return entry == entries.end() ? "" : entry->second.value;
+    }
+    bool isWritable(const std::string& address) override {
+        ++calls;
+        return entries[address].isWritable;
+    }
+    bool isForcedInform(const std::string& address) override {
+        ++calls;
+        entries[address];
+        return false;
+    }
+    void set(const std::string& address, const std::string& value) override {
+        ++calls;
+        onSet(entries[address], value);
+    }
+    std::string changes() override {
+        ++calls;
+        return pending;
+    }
+
+    std::map<std::string, Entry> entries;
+    std::map<std::string, bool> refused;
+    std::function<void(Entry&, const std::string&)> onSet =
+        [](Entry& entry, const std::string& value) { entry.value = value; };
+    std::string pending;
+    std::size_t calls = 0;
+};
+
+class CommandsTest : public ::testing::Test {
+  protected:
+    CommandsTest() {
+        daemon_.entries = {{"D.", {}},          {"D.A.", {}},     {"D.A.Mode", {"auto", true}},
+                           {"D.A.Rate", {"5"}}, {"D.Empty.", {}}, {"D.Name", {"box\x1b"}}};
+    }
+
+    int run(const std::string& command, const Addresses& paths = {}) {
+        options_.command = command;
+        options_.paths = paths;
+        const Terminal terminal(ColorMode::Never);
+        Output out;
+        Context context{daemon_, options_, terminal, out};
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        const int status = runCommand(context);
+        out.flush();
+        output_ = testing::internal::GetCapturedStdout();
+        errors_ = testing::internal::GetCapturedStderr();
+        return status;
+    }
+    int set(const std::string& parameter, const std::string& value) {
+        options_.parameter = parameter;
+        options_.value = value;
+        return run("set");
+    }
+    /// As many parameters as a large box has, beneath B.
+    void fill() {
+        for (int i = 0; i < 10'000; ++i)
+            daemon_.entries["B." + std::to_string(i % 100) + ".P" + std::to_string(i)] = {"1"};
+    }
+
+    FakeDaemon daemon_;
+    Options options_;
+    std::string output_;
+    std::string errors_;
+};
+
+TEST_F(CommandsTest, GetPrintsAParameterAnObjectOrAPattern) {
+    EXPECT_EQ(run("get", {"D.A.Rate"}), kDone);
+    EXPECT_EQ(output_, "D.A.Rate = 5\n");
+    EXPECT_EQ(run("get", {"D."}), kDone);
+    EXPECT_EQ(output_, "D.A.Mode = auto\nD.A.Rate = 5\nD.Name = box\\x1b\n");
+    EXPECT_EQ(run("get", {"*e"}), kDone);
+    EXPECT_EQ(output_, "D.A.Mode = auto\nD.A.Rate = 5\nD.Name = box\\x1b\n");
+}
+
+TEST_F(CommandsTest, GetTellsWhatItDidNotFindAndPrintsTheRest) {
+    EXPECT_EQ(run("get", {"D.Nope", "D.A.Rate", "x*", "D.A", "D.B."}), kRefused);
+    EXPECT_EQ(output_, "D.A.Rate = 5\n");
+    EXPECT_EQ(errors_,
+              "trctl: there is no D.Nope\ntrctl: nothing matches x*\n"
+              "trctl: D.A is an object; for everything beneath it write D.A.\n"
+              "trctl: there is no D.B.\n");
+}
+
+TEST_F(CommandsTest, AnObjectWithNothingBeneathIsNoFault) {
+    EXPECT_EQ(run("get", {"D.Empty."}), kDone);
+    EXPECT_EQ(output_ + errors_, "");
+}
+
+TEST_F(CommandsTest, AValueThatTheDaemonRefusesDoesNotHideTheOthers) {
+    daemon_.refused["D.A.Mode"] = true;
+    EXPECT_EQ(run("get", {"D.A."}), kRefused);
+    EXPECT_EQ(output_, "D.A.Rate = 5\n");
+    EXPECT_EQ(errors_, "trctl: D.A.Mode: too large\n");
+}
+
+TEST_F(CommandsTest, GetAsJsonHasRawValuesAsEscapes) {
+    options_.json = true;
+    EXPECT_EQ(run("get", {"D.Name"}), kDone);
+    EXPECT_EQ(output_, "{\n  \"D.Name\": \"box\\u001b\"\n}\n");
+}
+
+TEST_F(CommandsTest, SetPrintsWhatTheParameterReadsAsAfterwards) {
+    EXPECT_EQ(set("D.A.Mode", "off"), kDone);
+    EXPECT_EQ(output_, "D.A.Mode = off\n");
+    EXPECT_EQ(errors_, "");
+}
+
+TEST_F(CommandsTest, SetNamesTheReasonWhyItDoesNot) {
+    EXPECT_EQ(set("D.A.Rate", "6"), kRefused);
+    EXPECT_EQ(errors_, "trctl: D.A.Rate is read-only\n");
+    EXPECT_EQ(set("D.Nope", "6"), kRefused);
+    EXPECT_EQ(errors_, "trctl: there is no parameter D.Nope\n");
+    EXPECT_EQ(set("D.A.", "6"), kRefused);
+    EXPECT_EQ(errors_, "trctl: D.A. is an object, not a parameter\n");
+    EXPECT_EQ(set("D.A", "6"), kRefused);
+    EXPECT_EQ(set("*Mode", "6"), kRefused);
+    EXPECT_EQ(daemon_.entries["D.A.Mode"].value, "auto");
+}
+
+TEST_F(CommandsTest, SetTellsOfATextThatDoesNotConvert) {
+    daemon_.onSet = [](auto&, const auto&) { throw client::Refused("Logic error"); };
+    EXPECT_EQ(set("D.A.Mode", "x"), kRefused);
+    EXPECT_NE(errors_.find("does not take this value: Logic error"), std::string::npos);
+}
+
+TEST_F(CommandsTest, SetTellsOfAValueThatDidNotTake) {
+    daemon_.onSet = [](auto&, const auto&) {};
+    EXPECT_EQ(set("D.A.Mode", "x"), kRefused);
+    EXPECT_EQ(output_, "D.A.Mode = auto\n");
+    EXPECT_NE(errors_.find("did not take"), std::string::npos);
+}
+
+TEST_F(CommandsTest, AValueThatIsTooLargeToReadCanBeReplaced) {
+    daemon_.refused["D.A.Mode"] = true;
+    daemon_.onSet = [this](auto& entry, const auto& value) {
+        daemon_.refused.clear();
+        entry.value = value;
+    };
+    EXPECT_EQ(set("D.A.Mode", "off"), kDone);
+    EXPECT_EQ(output_, "D.A.Mode = off\n");
+}
+
+TEST_F(CommandsTest, ListPrintsAddressesOrOneLevelOfThem) {
+    EXPECT_EQ(run("list", {"D."}), kDone);
+    EXPECT_EQ(output_, "D.A.\nD.A.Mode\nD.A.Rate\nD.Empty.\nD.Name\n");
+    options_.level = true;
+    EXPECT_EQ(run("list", {"D."}), kDone);
+    EXPECT_EQ(output_, "D.A.\nD.Empty.\nD.Name\n");
+    EXPECT_EQ(run("list", {"*Rate", "D.A."}), kDone);
+    EXPECT_EQ(output_, "D.A.Rate\nD.A.Mode\nD.A.Rate\n");
+    options_.parametersOnly = true;
+    EXPECT_EQ(run("list", {"D."}), kDone);
+    EXPECT_EQ(output_, "D.Name\n");
+    options_.level = false;
+    EXPECT_EQ(run("list"), kDone);
+    EXPECT_EQ(output_, "D.A.Mode\nD.A.Rate\nD.Name\n");
+}
+
+TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {
+    EXPECT_EQ(run("tree"), kDone);
+    EXPECT_NE(output_.find("Empty.\n"), std::string::npos);
+    EXPECT_EQ(run("tree", {"*Rate"}), kDone);
+    EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3);
+}
+
+TEST_F(CommandsTest, InfoTellsTheSettings) {
+    EXPECT_EQ(run("info", {"D.A.Mode", "D.Empty."}), kDone);
+    EXPECT_EQ(output_,
+              "address        D.A.Mode\nkind           parameter\nvalue          auto\n"
+              "writable       yes\nforced inform  no\n\n"
+              "address        D.Empty.\nkind           object\n"
+              "writable       no\nforced inform  no\n");
+}
+
+TEST_F(CommandsTest, ChangesMarksLinesThatTheClientWouldDrop) {
+    const std::string good = R"({ "parameter": "a", "value": "1", "notification": "2" })";
+    daemon_.pending = good + "\n";
+    EXPECT_EQ(run("changes"), kDone);
+    EXPECT_EQ(output_, good + "\n");
+    daemon_.pending = good + "\n{ \"parameter\": \"a\x1b\n" + good;
+    EXPECT_EQ(run("changes"), kRefused);
+    EXPECT_EQ(output_.find("bad ("), good.size() + 1);
+    EXPECT_EQ(output_.find('\x1b'), std::string::npos);
+    daemon_.pending = "";
+    EXPECT_EQ(run("changes"), kDone);
+    EXPECT_EQ(output_, "");
+}
+
+TEST_F(CommandsTest, NothingThatIsAskedAddsAnAddress) {
+    const auto before = daemon_.addresses();
+    const Addresses odd = {"D.Nope", "D.Nope.", "Nope*", "", ".", "D.A", "D.A.Rate.", "[", "\xff"};
+    for (const char* command : {"get", "list", "tree", "info", "watch"})
+        EXPECT_EQ(run(command, odd), kRefused) << command;
+    for (const std::string& path : odd) EXPECT_EQ(set(path, "1"), kRefused) << path;
+    options_.file = "/dev/null";
+    EXPECT_EQ(run("diff", odd), kUsage);
+    EXPECT_EQ(daemon_.addresses(), before);
+}
+
+TEST_F(CommandsTest, TenThousandParametersCostAListAndACallEach) {
+    fill();
+    daemon_.calls = 0;
+    EXPECT_EQ(run("get", {"B."}), kDone);
+    EXPECT_EQ(daemon_.calls, 10'001U);
+    daemon_.calls = 0;
+    EXPECT_EQ(run("tree", {"B."}), kDone);
+    EXPECT_EQ(daemon_.calls, 10'001U);
+    daemon_.calls = 0;
+    EXPECT_EQ(run("list", {"B."}), kDone);
+    EXPECT_EQ(daemon_.calls, 1U);
+}
+
+TEST_F(CommandsTest, OneParameterAmongManyCostsAsManyCallsAsAmongFew) {
+    fill();
+    daemon_.calls = 0;
+    EXPECT_EQ(run("get", {"D.A.Rate"}), kDone);
+    EXPECT_EQ(daemon_.calls, 2U);
+    daemon_.calls = 0;
+    EXPECT_EQ(set("D.A.Mode", "off"), kDone);
+    EXPECT_EQ(daemon_.calls, 5U);
+    daemon_.calls = 0;
+    EXPECT_EQ(run("info", {"D.A.Rate"}), kDone);
+    EXPECT_EQ(daemon_.calls, 4U);
+}
+
+}  // namespace

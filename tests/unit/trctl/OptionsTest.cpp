@@ -1,0 +1,92 @@
+#include "trctl/Options.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace trctl;
+using Words = std::vector<std::string>;
+
+struct Parsed {
+    std::optional<Options> options;
+    int status = kDone;
+    std::string output;
+    std::string errors;
+};
+
+Parsed parse(const Words& words) {
+    std::vector<const char*> arguments = {"trctl"};
+    for (const std::string& word : words) arguments.push_back(word.c_str());
+    Parsed parsed;
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    parsed.options =
+        parseOptions(static_cast<int>(arguments.size()), arguments.data(), parsed.status);
+    parsed.output = testing::internal::GetCapturedStdout();
+    parsed.errors = testing::internal::GetCapturedStderr();
+    return parsed;
+}
+
+TEST(OptionsTest, AWrongCallIsToldAndEndsWithTwo) {
+    for (const Words& words : {Words{},
+                               {"nonsense"},
+                               {"get"},
+                               {"set", "a"},
+                               {"set", "a", "b", "c"},
+                               {"get", "--nope", "a"},
+                               {"diff"},
+                               {"changes", "a"},
+                               {"watch", "--interval", "0"},
+                               {"watch", "--interval", "x"},
+                               {"--color", "blue", "list"},
+                               {"list", "--bus"}}) {
+        const Parsed parsed = parse(words);
+        EXPECT_FALSE(parsed.options.has_value());
+        EXPECT_EQ(parsed.status, kUsage);
+        EXPECT_EQ(parsed.output, "");
+        EXPECT_EQ(parsed.errors.substr(0, 7), "trctl: ");
+    }
+}
+
+TEST(OptionsTest, AComplaintShowsNoControlCharacters) {
+    EXPECT_EQ(parse({"get", "--\x1b[31m"}).errors.find('\x1b'), std::string::npos);
+}
+
+TEST(OptionsTest, HelpHasExamplesAndEndsWithZero) {
+    for (const char* command : {"get", "set", "list", "tree", "info", "watch", "diff", "changes"}) {
+        const Parsed parsed = parse({command, "--help"});
+        EXPECT_FALSE(parsed.options.has_value());
+        EXPECT_EQ(parsed.status, kDone);
+        EXPECT_NE(parsed.output.find(std::string("\n  trctl ") + command), std::string::npos);
+    }
+    EXPECT_NE(parse({"--help"}).output.find("Examples:"), std::string::npos);
+    EXPECT_EQ(parse({"--version"}).output.substr(0, 6), "trctl ");
+}
+
+TEST(OptionsTest, AValueMayBeAnything) {
+    for (const char* value : {"", "-5", "get", "[a,b]", "%%", "a b", "'", "--"}) {
+        const Words words =
+            value == std::string("--") ? Words{"set", "a", "--", "--"} : Words{"set", "a", value};
+        const Parsed parsed = parse(words);
+        ASSERT_TRUE(parsed.options.has_value()) << value << parsed.errors;
+        EXPECT_EQ(parsed.options->parameter, "a");
+        EXPECT_EQ(parsed.options->value, value);
+    }
+    EXPECT_EQ(parse({"set", "a", "--", "--json"}).options->value, "--json");
+}
+
+TEST(OptionsTest, CommonOptionsMayComeAfterTheCommand) {
+    const Parsed parsed =
+        parse({"get", "a", "--bus", "unix:path=/x", "--json", "b", "--color=always"});
+    ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
+    EXPECT_EQ(parsed.options->bus, "unix:path=/x");
+    EXPECT_EQ(parsed.options->paths, (Words{"a", "b"}));
+    EXPECT_TRUE(parsed.options->json);
+    EXPECT_EQ(parsed.options->color, ColorMode::Always);
+    EXPECT_EQ(parsed.options->command, "get");
+}
+
+}  // namespace

@@ -1,0 +1,171 @@
+#include "trctl/Options.h"
+
+#include "trctl/Output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <map>
+
+namespace trctl {
+
+namespace {
+
+constexpr char kAbout[] =
+    "Reads, writes and watches the TR-069 parameters that kelm-trd serves on D-Bus.";
+
+constexpr char kFooter[] =
+    "A PATH is a parameter (Device.DeviceInfo.UpTime), an object with its point for everything\n"
+    "beneath it (Device.IP.), or a shell pattern in quotes ('*.Stats.Bytes*'), in which * also "
+    "takes\n"
+    "points. What a terminal would obey is shown as an escape.\n"
+    "\n"
+    "Exit status: 0; 1 refused, not found or different; 2 a wrong call; 3 no bus or no daemon.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl get Device.DeviceInfo.\n"
+    "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost 10.0.0.9\n"
+    "  trctl watch Device.IP. --interval 5\n"
+    "  trctl COMMAND --help";
+
+constexpr char kGetExamples[] =
+    "Examples:\n"
+    "  trctl get Device.DeviceInfo.UpTime\n"
+    "  trctl get Device.IP. '*.Stats.Bytes*'\n"
+    "  trctl get --json Device. >saved.json";
+constexpr char kSetExamples[] =
+    "The daemon does not tell whether it took a value, so it is read back.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost 10.0.0.9\n"
+    "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost ''\n"
+    "  trctl set Device.Some.Text -- --starts-with-dashes";
+constexpr char kListExamples[] =
+    "Examples:\n"
+    "  trctl list\n"
+    "  trctl list Device.IP. --parameters\n"
+    "  trctl list --level Device.";
+constexpr char kTreeExamples[] =
+    "Examples:\n"
+    "  trctl tree Device.IP.\n"
+    "  trctl tree '*.Status' --ascii";
+constexpr char kInfoExamples[] =
+    "Examples:\n"
+    "  trctl info Device.DeviceInfo.UpTime\n"
+    "  trctl info 'Device.DeviceInfo.*Version'";
+constexpr char kWatchExamples[] =
+    "Looks again and again until Ctrl-C, as the daemon tells nobody of changes by itself.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl watch\n"
+    "  trctl watch Device.IP. --interval 5\n"
+    "  trctl watch --plot Device.DeviceInfo.MemoryStatus.Free";
+constexpr char kDiffExamples[] =
+    "FILE holds what `trctl get --json` has printed; - is standard input. Lines with - are the\n"
+    "file's, with + the daemon's. Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl diff saved.json\n"
+    "  trctl diff saved.json 'Device.Services.*.Config.*'";
+constexpr char kChangesExamples[] =
+    "The watched parameters that the latest cycle changed, as the CWMP client gets them. It drops "
+    "a\n"
+    "line that is not valid JSON in silence; here such a line is marked, and the status is 1.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl changes";
+
+/// One command of the program, whose positional arguments and options the caller adds.
+CLI::App* add(CLI::App& app, const char* name, const char* about, const char* footer) {
+    CLI::App* command = app.add_subcommand(name, about);
+    command->footer(footer);
+    command->fallthrough();
+    return command;
+}
+
+CLI::Option* addPaths(CLI::App* command, Options& options, const char* about) {
+    return command->add_option("PATH", options.paths, about)->type_name("");
+}
+
+void addReading(CLI::App& app, Options& options) {
+    CLI::App* get = add(app, "get", "Print values, as `address = value`", kGetExamples);
+    addPaths(get, options, "What to print")->required();
+    get->add_flag("--json", options.json, "As one JSON object");
+
+    CLI::App* list = add(app, "list", "Print addresses, objects too", kListExamples);
+    addPaths(list, options, "What to list; all of it otherwise");
+    list->add_flag("--parameters", options.parametersOnly, "Without the objects");
+    list->add_flag("--level", options.level, "Only the level right beneath PATH");
+
+    CLI::App* tree =
+        add(app, "tree", "Draw the tree, with values beside the leaves", kTreeExamples);
+    addPaths(tree, options, "What to draw; all of it otherwise");
+    tree->add_flag("--ascii", options.ascii, "With ASCII strokes in a UTF-8 locale too");
+
+    CLI::App* info = add(app, "info", "Print value, writable, forced inform", kInfoExamples);
+    addPaths(info, options, "Parameters or objects")->required();
+}
+
+void addOthers(CLI::App& app, Options& options) {
+    CLI::App* set = add(app, "set", "Write a parameter, and read it back", kSetExamples);
+    set->add_option("PATH", options.parameter, "The parameter")->required()->type_name("");
+    set->add_option("VALUE", options.value, "What to write")->required()->type_name("");
+
+    CLI::App* watch = add(app, "watch", "Print changes as they happen", kWatchExamples);
+    addPaths(watch, options, "What to look at; all of it otherwise");
+    watch->add_option("--interval", options.intervalSeconds, "Seconds between two looks")
+        ->check(CLI::Range(0.05, 86'400.0))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    watch->add_flag("--plot", options.plot,
+                    "Draw one numeric parameter as a moving line; wants a terminal");
+    watch->add_flag("--ascii", options.ascii, "Draw with ASCII in a UTF-8 locale too");
+
+    CLI::App* diff = add(app, "diff", "Compare with a saved `get --json`", kDiffExamples);
+    diff->add_option("FILE", options.file, "The saved values")->required()->type_name("");
+    addPaths(diff, options, "What to compare; all of it otherwise");
+
+    add(app, "changes", "Print the pending change lines, checked", kChangesExamples);
+}
+
+void addCommon(CLI::App& app, Options& options) {
+    const std::map<std::string, ColorMode> modes = {
+        {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
+    app.add_option("--bus", options.bus, "The bus; DBUS_SESSION_BUS_ADDRESS otherwise")
+        ->type_name("ADDRESS");
+    app.add_option("--color", options.color,
+                   "auto (on a terminal, unless NO_COLOR is set), always or never")
+        ->type_name("WHEN")
+        ->transform(CLI::CheckedTransformer(modes).description(""));
+    app.set_version_flag("--version", "trctl " KELM_VERSION, "Print the version");
+    app.set_help_flag("--help,-h", "Print this help");
+    app.footer(kFooter);
+    app.require_subcommand(1);
+}
+
+}  // namespace
+
+std::optional<Options> parseOptions(int argc, const char* const* argv, int& status) {
+    Options options;
+    CLI::App app(kAbout, "trctl");
+    addCommon(app, options);
+    addReading(app, options);
+    addOthers(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) {
+            status = app.exit(error, std::cout, std::cerr);
+            std::cout.flush();
+            return std::nullopt;
+        }
+        complain(error.what());
+        std::cerr << "Run with --help for more information.\n";
+        status = kUsage;
+        return std::nullopt;
+    }
+    options.command = app.get_subcommands().front()->get_name();
+    return options;
+}
+
+}  // namespace trctl

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "trctl/Terminal.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace trctl {
+
+/// How a program ends.
+constexpr int kDone = 0;
+constexpr int kRefused = 1;      ///< refused, not found, different
+constexpr int kUsage = 2;        ///< a wrong call, or a file that is none of ours
+constexpr int kUnreachable = 3;  ///< no bus, no daemon
+
+/// What the command line asks for; each command looks at its own.
+struct Options {
+    std::string command;
+    std::string bus;
+    ColorMode color = ColorMode::Auto;
+    std::vector<std::string> paths;
+    std::string parameter;  ///< the one that is to be set
+    std::string value;
+    std::string file;
+    bool json = false;
+    bool parametersOnly = false;
+    bool level = false;
+    bool plot = false;
+    bool ascii = false;
+    double intervalSeconds = 1;
+};
+
+/// Nothing when the program is to end at once with \p status: help was printed, or the call is
+/// wrong, which standard error tells.
+std::optional<Options> parseOptions(int argc, const char* const* argv, int& status);
+
+}  // namespace trctl

@@ -1,0 +1,91 @@
+#include "trctl/Paths.h"
+
+#include <algorithm>
+#include <functional>
+#include <unordered_set>
+#include <utility>
+
+#include <fnmatch.h>
+
+namespace trctl {
+
+namespace {
+
+bool startsWith(const std::string& text, const std::string& start) {
+    return text.compare(0, start.size(), start) == 0;
+}
+
+bool isPattern(const std::string& path) {
+    return path.find_first_of("*?[") != std::string::npos;
+}
+
+using Take = std::function<void(const std::string&)>;
+
+// The list is in order, so what begins alike stands together.
+void eachBeneath(const Addresses& sorted, const std::string& start, const Take& take) {
+    for (auto at = std::lower_bound(sorted.begin(), sorted.end(), start);
+         at != sorted.end() && startsWith(*at, start); ++at)
+        if (*at != start) take(*at);
+}
+
+void eachMatch(const Addresses& sorted, const std::string& path, bool beneath, const Take& take) {
+    if (std::binary_search(sorted.begin(), sorted.end(), path) && !(beneath && isObject(path))) {
+        take(path);
+        return;
+    }
+    if (isPattern(path)) {
+        const std::string pattern = beneath && isObject(path) ? path + "*" : path;
+        for (const std::string& address : sorted)
+            if (fnmatch(pattern.c_str(), address.c_str(), 0) == 0) take(address);
+    } else if (beneath && isObject(path)) {
+        eachBeneath(sorted, path, take);
+    }
+}
+
+Selection selectFrom(Addresses listed, const Addresses& paths, bool beneath) {
+    std::sort(listed.begin(), listed.end());
+    if (paths.empty()) return {std::move(listed), {}};
+    Selection selection;
+    std::unordered_set<std::string> taken;
+    for (const std::string& path : paths) {
+        bool any = false;
+        eachMatch(listed, path, beneath, [&](const std::string& address) {
+            any = true;
+            if (taken.insert(address).second) selection.found.push_back(address);
+        });
+        if (!any) selection.unmatched.push_back(path);
+    }
+    return selection;
+}
+
+}  // namespace
+
+Selection select(Addresses listed, const Addresses& paths) {
+    return selectFrom(std::move(listed), paths, true);
+}
+
+Selection selectThemselves(Addresses listed, const Addresses& paths) {
+    return selectFrom(std::move(listed), paths, false);
+}
+
+Addresses nextLevel(Addresses listed, const Addresses& objects) {
+    std::sort(listed.begin(), listed.end());
+    Addresses level;
+    const auto beneath = [&](const std::string& start) {
+        eachBeneath(listed, start, [&](const std::string& address) {
+            const std::size_t point = address.find('.', start.size());
+            std::string next = address.substr(0, point == std::string::npos ? point : point + 1);
+            if (level.empty() || level.back() != next) level.push_back(std::move(next));
+        });
+    };
+    if (objects.empty()) beneath("");
+    for (const std::string& object : objects)
+        if (isObject(object)) beneath(object);
+    return level;
+}
+
+bool isObject(const std::string& path) {
+    return !path.empty() && path.back() == '.';
+}
+
+}  // namespace trctl

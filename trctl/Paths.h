@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace trctl {
+
+/// What people name on the command line, found in the daemon's own list: a parameter, an object
+/// with its point (everything beneath it), or a shell pattern, whose `*` also takes points.
+
+using Addresses = std::vector<std::string>;
+
+struct Selection {
+    Addresses found;      ///< in the order of the paths, each once
+    Addresses unmatched;  ///< the paths that name nothing, as they were given
+};
+
+/// \p listed need not be in order. Without paths everything is found.
+Selection select(Addresses listed, const Addresses& paths);
+
+/// The same, but an object's path names the object itself.
+Selection selectThemselves(Addresses listed, const Addresses& paths);
+
+/// The addresses one level beneath each of these objects, or at the top without any; where more
+/// follows they end with a point. Nothing for a path that is no object's.
+Addresses nextLevel(Addresses listed, const Addresses& objects);
+
+bool isObject(const std::string& path);
+
+}  // namespace trctl
