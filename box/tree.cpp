@@ -1,6 +1,6 @@
 // trd-tree: looks at the parameter tree that a running daemon serves on the session bus.
 
-#include "box/client/TrClient.h"
+#include "tests/support/TrClient.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "box/client/TrClient.h"
 #include "tests/support/Child.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/TrClient.h"
 
 #include <chrono>
 #include <memory>

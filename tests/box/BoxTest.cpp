@@ -1,10 +1,10 @@
 // The virtual box itself: what is in it, how it ends, what its stand-ins say. These tests run on
 // the host and start boxes; where none can be made they are skipped with the box's own reason.
 
-#include "box/client/TrClient.h"
 #include "tests/box/HostBoxTest.h"
 #include "tests/support/Box.h"
 #include "tests/support/Child.h"
+#include "tests/support/TrClient.h"
 
 #include <gtest/gtest.h>
 

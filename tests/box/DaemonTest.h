@@ -1,9 +1,9 @@
 #pragma once
 
-#include "box/client/TrClient.h"
 #include "tests/support/Box.h"
 #include "tests/support/Child.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/TrClient.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "box/client/TrClient.h"
 #include "tests/box/Vitals.h"
 #include "tests/support/Child.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/TrClient.h"
 
 #include <atomic>
 #include <functional>

@@ -1,8 +1,8 @@
 #include "tests/box/SystemFaults.h"
 
-#include "box/client/TrClient.h"
 #include "tests/box/Vitals.h"
 #include "tests/support/Box.h"
+#include "tests/support/TrClient.h"
 
 #include <algorithm>
 #include <csignal>

@@ -2,11 +2,11 @@
 // and write all the time. Ends with 1 when memory, descriptors or threads are not flat, when an
 // answer was wrong or lost, or when the daemon does not stop in order.
 
-#include "box/client/TrClient.h"
 #include "tests/soak/FlatCheck.h"
 #include "tests/support/Box.h"
 #include "tests/support/Child.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/TrClient.h"
 
 #include <atomic>
 #include <chrono>

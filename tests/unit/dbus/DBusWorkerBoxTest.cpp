@@ -1,8 +1,8 @@
-#include "box/client/TrClient.h"
 #include "dbus/DBusWorker.h"
 #include "model/Storage.h"
 #include "tests/support/Box.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/TrClient.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "box/client/TrClient.h"
+#include "tests/support/TrClient.h"
 
 #include <utility>
 
