@@ -29,10 +29,10 @@ class NotifTable {
     NotifTable(const NotifTable&) = delete;
     NotifTable& operator=(const NotifTable&) = delete;
 
-    pthread_helper::mutex& getMutex() const { return mutex_; }
+    pthread_helper::mutex& getMutex() const KELM_RETURN_CAPABILITY(mutex_) { return mutex_; }
 
     /// Reloads the table from the client's file. The caller holds the mutex.
-    void update();
+    void update() KELM_REQUIRES(mutex_);
 
     /// Reads one line of the file: a JSON object with the keys parameter, value, notification,
     /// type, in this order of need: the first one that is missing leaves itself and the later texts
@@ -43,7 +43,7 @@ class NotifTable {
 
     /// The pending changes, one line each, in table order; reading does not clear them. The caller
     /// holds the mutex.
-    std::string checkValueChange() const;
+    std::string checkValueChange() const KELM_REQUIRES(mutex_);
 
     /// Makes the watched ones among \p updates the pending changes and, if there are any, runs the
     /// notify command. Holds the mutex meanwhile, also while the command runs (about a second when
@@ -54,8 +54,8 @@ class NotifTable {
     void triggerNotify();
 
   private:
-    std::vector<NotifEntry> table_;
-    std::vector<NotifEntry> pendingChanges_;
+    std::vector<NotifEntry> table_ KELM_GUARDED_BY(mutex_);
+    std::vector<NotifEntry> pendingChanges_ KELM_GUARDED_BY(mutex_);
     mutable pthread_helper::mutex mutex_;
 };
 

@@ -24,44 +24,47 @@ class Storage {
     /// Replaces the value at the address whole, settings included. True when this was recorded as a
     /// change: the entry had a type before and its type or elements differ. The first fill never is
     /// one.
-    bool set(const Address& address, Value value);
+    bool set(const Address& address, Value value) KELM_REQUIRES(storageMutex_);
 
     /// Replaces the elements only; false when the address is unknown or the types differ. Records
     /// nothing.
-    bool setWithCheck(const Address& address, const Value& value);
+    bool setWithCheck(const Address& address, const Value& value) KELM_REQUIRES(storageMutex_);
 
-    bool hasAddress(const Address& address) const;
+    bool hasAddress(const Address& address) const KELM_REQUIRES(storageMutex_);
 
     /// The stored value; an unknown address gets an `Undefined` entry. The reference lives until
     /// the entry is removed.
-    Value& operator[](const Address& address);
+    /// Clang does not follow the object of an operator, so this lock alone is not checked.
+    Value& operator[](const Address& address) KELM_NO_ANALYSIS;
 
     /// Erases exactly this entry, not its children, not its recorded change. False when it is
     /// unknown.
-    bool remove(const Address& address);
+    bool remove(const Address& address) KELM_REQUIRES(storageMutex_);
 
     /// The current value: of a file-backed parameter the file's content, of a UCI-backed one what
     /// uci prints without the white space at its end (each a plain `String`, empty when there is
     /// none), else a full copy. `Undefined`, and no new entry, for an unknown address. Runs a
     /// command and reads files.
-    Value getValueCopy(const Address& address) const;
+    Value getValueCopy(const Address& address) const KELM_REQUIRES(storageMutex_);
 
     /// Every address, in order.
-    std::vector<Address> listAddresses() const;
+    std::vector<Address> listAddresses() const KELM_REQUIRES(storageMutex_);
     /// Every address that is no object node, in order.
-    std::vector<Address> listParametersOnly() const;
+    std::vector<Address> listParametersOnly() const KELM_REQUIRES(storageMutex_);
 
     /// Copy of the newest value of each parameter that changed since `clearUpdates()`.
     std::map<Address, Value> updates() const { return updates_; }
     void clearUpdates() { updates_.clear(); }
 
-    pthread_helper::mutex& getStorageMutex() { return storageMutex_; }
+    pthread_helper::mutex& getStorageMutex() KELM_RETURN_CAPABILITY(storageMutex_) {
+        return storageMutex_;
+    }
     /// Handed out for callers that must not wait for the store; nothing in the daemon takes it.
     pthread_helper::mutex& getUpdatesMutex() { return updatesMutex_; }
     NotifTable& getNotifTable() { return notifTable_; }
 
   private:
-    std::map<Address, Value> values_;
+    std::map<Address, Value> values_ KELM_GUARDED_BY(storageMutex_);
     std::map<Address, Value> updates_;
     NotifTable notifTable_;
     pthread_helper::mutex storageMutex_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "stb/inc/private/thread_annotations.h"
+
 #include <ctime>
 
 #include <pthread.h>
@@ -27,15 +29,16 @@ void unlock(pthread_mutex_t* native);
 /// One error-checking POSIX mutex. Locking it twice from one thread is fatal instead of a silent
 /// hang; so is destroying it while it is locked. Unlocking it without holding it is accepted:
 /// STBThread::stop() relies on that.
-class mutex {
+class KELM_CAPABILITY("mutex") mutex {
   public:
     mutex();
     ~mutex();
     mutex(const mutex&) = delete;
     mutex& operator=(const mutex&) = delete;
 
-    void lock() { pthread_helper::lock(&native_); }
-    void unlock() { pthread_helper::unlock(&native_); }
+    // The POSIX calls underneath are not known to the analysis.
+    void lock() KELM_ACQUIRE() KELM_NO_ANALYSIS { pthread_helper::lock(&native_); }
+    void unlock() KELM_RELEASE() KELM_NO_ANALYSIS { pthread_helper::unlock(&native_); }
     pthread_mutex_t* native() { return &native_; }
 
   private:
@@ -43,11 +46,12 @@ class mutex {
 };
 
 /// Holds a mutex for the life of a block. Borrows the mutex, which must outlive it.
-class scoped_lock {
+class KELM_SCOPED_CAPABILITY scoped_lock {
   public:
-    explicit scoped_lock(mutex& guarded) : scoped_lock(guarded.native()) {}
+    explicit scoped_lock(mutex& guarded) KELM_ACQUIRE(guarded) KELM_NO_ANALYSIS
+        : scoped_lock(guarded.native()) {}
     explicit scoped_lock(pthread_mutex_t* native) : native_(native) { lock(native_); }
-    ~scoped_lock() { unlock(native_); }
+    ~scoped_lock() KELM_RELEASE() KELM_NO_ANALYSIS { unlock(native_); }
     scoped_lock(const scoped_lock&) = delete;
     scoped_lock& operator=(const scoped_lock&) = delete;
 
@@ -65,7 +69,7 @@ class condition {
     condition& operator=(const condition&) = delete;
 
     /// Returns at the absolute time `deadline`, on a broadcast, or early for no reason at all.
-    void waitUntil(mutex& held, const timespec& deadline);
+    void waitUntil(mutex& held, const timespec& deadline) KELM_REQUIRES(held);
     void broadcast();
 
   private:
