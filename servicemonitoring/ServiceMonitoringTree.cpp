@@ -85,10 +85,12 @@ void publishObjects(Storage& storage) {
     for (const char* name : kObjects) storage.set(address(name), Value::Object());
 }
 
-void publishFigures(Storage& storage, const MainStream& stream) {
+void publishMainStream(Storage& storage, const MainStream& stream) {
     const std::string name = "MainStream.1.";
-    storage.set(address(name + "Status"), textAt(kStreamStatuses, stream.status()));
     const NSTime sinceReset = NSTime::nowRelative() - stream.resetTime();
+    storage.set(address(kMainStreamEnable), writable(Value(stream.isEnabled())));
+    storage.set(address(name + "Status"), textAt(kStreamStatuses, stream.status()));
+    storage.set(address(kTotalReset), writable(Value(0)));
     storage.set(address(name + "Total.ResetTime"), Value(sinceReset.toTimeT()));
     for (const TotalRow& row : kTotals)
         storage.set(address(name + "Total." + row.name), Value(stream.total().*row.figure));
