@@ -8,8 +8,8 @@ namespace TR::NetworkText {
 
 namespace {
 
-using Status = NetworkInterface::Status;
-using DuplexMode = NetworkInterface::DuplexMode;
+using Status = NetworkDataProvider::Interface::Status;
+using DuplexMode = NetworkDataProvider::Interface::DuplexMode;
 
 // Linux keeps "no speed known" as -1, and older kernels print it unsigned.
 constexpr std::uint64_t kUnknownSpeed = 0xffffffff;
@@ -19,7 +19,7 @@ struct OperstateRow {
     Status status;
 };
 
-// "testing" is missing on purpose: no traffic passes, and none of the other states says so.
+// "testing" is missing on purpose: no traffic passes, and no other state fits.
 constexpr OperstateRow kOperstates[] = {
     {"up", Status::Up},
     {"down", Status::Down},
