@@ -98,15 +98,15 @@ void FrontEndDataProvider::removePublishedGroups() {
     }
 }
 
-// Assigned, not set: what the viewer's zapping changes is there to be read and records no change,
-// or a watching client would be woken in every cycle.
+// Assigned, not set: a viewer's zapping records no change, or it would wake a watching client in
+// every cycle.
 void FrontEndDataProvider::publishGroups() {
     const FrontEnd::IGMP& igmp = frontEnd_.igmp;
     (*storage())[igmpAddress(kGroupCount)] = Value(igmp.clientGroupNumberOfEntries);
     const NSTime now = NSTime::nowRelative();
     for (const auto& group : igmp.clientGroups) {
-        // Every group goes to instance 1, on purpose: the ACS has always seen one row, the last
-        // group in text order, beside a count of them all.
+        // Every group goes to instance 1, on purpose: the ACS sees one row, the last group in text
+        // order, beside a count of them all.
         (*storage())[groupAddress(1, "GroupAddress")] = Value(group.groupAddress);
         (*storage())[groupAddress(1, "UpTime")] = Value((now - group.firstSeen).toTimeT());
     }

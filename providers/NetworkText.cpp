@@ -46,7 +46,7 @@ Status status(unsigned flags, const std::string& operstate) {
     const std::string state = Utils::trim(operstate);
     for (const OperstateRow& row : kOperstates)
         if (state == row.operstate) return row.status;
-    // Drivers that never report a state; the kernel's documentation says to take them as up.
+    // Drivers that never report a state; the kernel's documentation takes them as up.
     if (state == "unknown" && (flags & IFF_RUNNING) != 0) return Status::Up;
     return Status::Error;
 }

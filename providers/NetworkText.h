@@ -14,7 +14,7 @@ namespace TR::NetworkText {
 /// The state of an interface from its flags (IFF_UP, IFF_RUNNING) and its operstate file.
 NetworkDataProvider::Interface::Status status(unsigned flags, const std::string& operstate);
 
-/// From the duplex file; what the kernel does not know is negotiated, as far as one can tell.
+/// From the duplex file; anything but "full" and "half" is Auto.
 NetworkDataProvider::Interface::DuplexMode duplexMode(const std::string& duplex);
 
 /// Mbit/s from the speed file; 0 unless it holds one known speed and nothing else.

@@ -39,8 +39,8 @@ class ServiceMonitoring : public BaseDataProvider {
     void setSampleEnable(bool enable);
     /// Less than 10 seconds is ignored.
     void setSampleInterval(std::uint32_t seconds);
-    /// Grows or cuts the samples until the next cycle brings the setting again; acts only on more
-    /// samples than the setting says.
+    /// Grows or cuts the samples until the next cycle applies the setting again; acts only on more
+    /// samples than the setting.
     void setReportSamples(std::uint32_t count);
     // Without an effect on this box.
     void setFetchSamples(std::uint32_t /*count*/) {}

@@ -54,7 +54,7 @@ Value textAt(const char* const (&texts)[count], std::uint32_t position) {
     return Value(std::string(position < count ? texts[position] : ""));
 }
 
-// Begins without an element, so that there is one for each sample and none besides.
+// Begins without an element: a list has exactly one for each sample.
 Value listOf(const std::deque<MainStream::Sample>& samples,
              std::uint32_t MainStream::Sample::*figure) {
     Value list(Value::Type::Integer, 0);

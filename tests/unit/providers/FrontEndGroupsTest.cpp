@@ -64,7 +64,7 @@ TEST(ClientGroupsTest, AGroupThatIsNoLongerThereIsDropped) {
     EXPECT_EQ(igmp.clientGroupNumberOfEntries, 0u);
 }
 
-TEST(ClientGroupsTest, AGroupThatIsAwayForOnePassBeginsAnew) {
+TEST(ClientGroupsTest, AGroupThatIsAwayForOnePassStartsAgain) {
     IGMP igmp;
     igmp.setJoinedGroups({"239.0.0.1"}, 100);
     igmp.setJoinedGroups({}, 200);

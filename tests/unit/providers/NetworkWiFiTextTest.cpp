@@ -181,7 +181,7 @@ TEST(WiFiStatusTest, TheBssidIsTheFirstThatLooksLikeOne) {
     EXPECT_EQ(statusOf("Connected to 9c3dcf12abef (on wlan0)\n").bssid, "9C3DCF12ABEF");
 }
 
-TEST(WiFiStatusTest, GarbageIsNoLink) {
+TEST(WiFiStatusTest, GarbageLeavesNoLink) {
     expectNoLink(statusOf("\xff\xfe\x01\0\xc3(\x80kB\r\n\0=\xed\xa0\x80: \n:\n::\n"s));
 }
 

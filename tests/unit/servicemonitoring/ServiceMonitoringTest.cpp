@@ -200,7 +200,7 @@ TEST_F(SampleIntervalTest, TenBeginsTenZeroSamplesAndTheReportAtTheHour) {
     EXPECT_EQ(text(kSampleLists[0]), "0, 0, 0, 0, 0, 0, 0, 0, 0, 0");
 }
 
-TEST_F(SampleIntervalTest, AnotherIntervalBeginsAnewAndTheSameDoesNot) {
+TEST_F(SampleIntervalTest, AnotherIntervalRestartsTheSamplesAndTheSameDoesNot) {
     writeAndCycle("SampleInterval", "10");
     expectReportRestarts(TimeUnit::Minute, [&] { writeAndCycle("SampleEnable", "1"); });
     const std::string start = text("ReportStartTime");
