@@ -26,8 +26,8 @@ class NetworkDataProvider : public BaseDataProvider {
         enum class Status { Up, Down, Dormant, NotPresent, LowerLayerDown, Error };
         enum class DuplexMode { Auto, Full, Half };
 
-        /// As published, 64 bits wide on every box. Linux does not count broadcasts, multicasts
-        /// sent and unknown protocols; those stay 0.
+        /// Spelled as published, 64 bits wide on every box. Linux does not count broadcasts,
+        /// multicasts sent and unknown protocols; those stay 0.
         struct Stats {
             std::uint64_t BytesSent = 0;
             std::uint64_t BytesReceived = 0;
