@@ -25,7 +25,7 @@ constexpr std::uint32_t kSamplingEnabled = 1;
 constexpr std::uint32_t kLongestRefusedIntervalSeconds = 9;
 constexpr std::uint32_t kMostReportSamplesToSwitch = 100;
 
-// What the ACS may have written, and what decides with it.
+// What every cycle takes back from the store.
 constexpr const char* kSettings[] = {
     Tree::kFetchSamples,  Tree::kReportSamples, Tree::kSampleEnable,    Tree::kSampleInterval,
     Tree::kTimeReference, Tree::kTotalReset,    Tree::kMainStreamEnable};
