@@ -67,8 +67,8 @@ void Worker::runCycle() {
     serviceMonitoring_->updateValues();
     frontEndProvider_->updateValues();
     deviceInfoProvider_->updateValues();
-    // What is recorded between the copy and the clear is not notified. Only this thread's providers
-    // record changes, so nothing is today.
+    // A change that is recorded between the copy and the clear is not notified. Only this thread's
+    // providers record changes, so there is none.
     storage_->getNotifTable().tryTriggerNotify(storage_->updates());
     storage_->clearUpdates();
     // Taken after the cycle, so that a slow one is followed by five quiet seconds.

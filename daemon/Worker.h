@@ -16,8 +16,8 @@ class Storage;
 
 /// The data-collection thread: makes the providers, lets each fill the store once and then every
 /// five seconds, and hands what changed in a cycle to the notification table. `start`, `stop` and
-/// `isOnline` are called by main; everything else happens on the thread itself. The store is
-/// borrowed and outlives the worker.
+/// `isOnline` are called by main. `run` takes the steps on the thread itself; a worker that is not
+/// started leaves them to its caller. The store is borrowed and outlives the worker.
 class Worker : public STBThread {
   public:
     explicit Worker(Storage* storage);
@@ -32,11 +32,13 @@ class Worker : public STBThread {
 
     void run() override;
 
-  private:
+    /// The steps of `run`: the first two once, in this order, then a cycle at a time.
     void createProviders();
     void initProviders();
-    bool cycleIsDue() const;
     void runCycle();
+
+  private:
+    bool cycleIsDue() const;
 
     Storage* storage_;
     std::unique_ptr<NetworkDataProvider> networkProvider_;

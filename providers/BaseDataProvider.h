@@ -5,7 +5,7 @@ namespace TR {
 class Storage;
 
 /// A branch of the tree and where its values come from. The worker thread makes, refreshes and
-/// destroys every provider; none is used from another thread. The store is borrowed and outlives
+/// destroys every provider; no other thread uses one. The store is borrowed and outlives
 /// the provider. Sources that fail show as empty texts or 0; nothing is logged.
 class BaseDataProvider {
   public:

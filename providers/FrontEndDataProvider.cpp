@@ -41,27 +41,27 @@ void FrontEndDataProvider::FrontEnd::IGMP::setJoinedGroups(const std::set<std::s
         joined.insert(known == clientGroups.end() ? ClientGroup{address, now} : *known);
     }
     clientGroups = std::move(joined);
-    clientGroupNumberOfEntries = static_cast<std::uint32_t>(clientGroups.size());
+    ClientGroupNumberOfEntries = static_cast<std::uint32_t>(clientGroups.size());
 }
 
 void FrontEndDataProvider::init() {
     FrontEnd::IGMP& igmp = frontEnd_.igmp;
     const auto kernel = Igmp::kernelSettings(Utils::processPipe("sysctl -a | grep igmp"));
     igmp.clientVersion = kernel.forcedVersion;
-    igmp.maximumNumberOfConcurrentGroups = kernel.maximumMemberships;
+    igmp.MaximumNumberOfConcurrentGroups = kernel.maximumMemberships;
     if (storage() == nullptr) return;
     const std::pair<const char*, Value> parameters[] = {
-        {"Enable", Value(igmp.enable)},
-        {"Status", Value(igmp.status)},
-        {"MaximumNumberOfConcurrentGroups", Value(igmp.maximumNumberOfConcurrentGroups)},
-        {"MaximumNumberOfTrackedGroups", Value(igmp.maximumNumberOfTrackedGroups)},
-        {"LoggingEnable", Value(igmp.loggingEnable)},
-        {"DSCPMark", Value(igmp.dscpMark)},
-        {"VLANIDMark", Value(igmp.vlanIdMark)},
-        {"EthernetPriorityMark", Value(igmp.ethernetPriorityMark)},
+        {"Enable", Value(igmp.Enable)},
+        {"Status", Value(igmp.Status)},
+        {"MaximumNumberOfConcurrentGroups", Value(igmp.MaximumNumberOfConcurrentGroups)},
+        {"MaximumNumberOfTrackedGroups", Value(igmp.MaximumNumberOfTrackedGroups)},
+        {"LoggingEnable", Value(igmp.LoggingEnable)},
+        {"DSCPMark", Value(igmp.DSCPMark)},
+        {"VLANIDMark", Value(igmp.VLANIDMark)},
+        {"EthernetPriorityMark", Value(igmp.EthernetPriorityMark)},
         {"ClientVersion", Value(Utils::format("v%u", igmp.clientVersion))},
-        {kGroupCount, Value(igmp.clientGroupNumberOfEntries)},
-        {"ClientGroupStatsNumberOfEntries", Value(igmp.clientGroupStatsNumberOfEntries)},
+        {kGroupCount, Value(igmp.ClientGroupNumberOfEntries)},
+        {"ClientGroupStatsNumberOfEntries", Value(igmp.ClientGroupStatsNumberOfEntries)},
     };
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
     for (const auto& [name, value] : parameters) storage()->set(igmpAddress(name), value);
@@ -98,15 +98,15 @@ void FrontEndDataProvider::removePublishedGroups() {
     }
 }
 
-// Assigned, not set: what the viewer's zapping changes is there to be read and records no change,
-// or a watching client would be woken in every cycle.
+// Assigned, not set: a viewer's zapping records no change, or it would wake a watching client in
+// every cycle.
 void FrontEndDataProvider::publishGroups() {
     const FrontEnd::IGMP& igmp = frontEnd_.igmp;
-    (*storage())[igmpAddress(kGroupCount)] = Value(igmp.clientGroupNumberOfEntries);
+    (*storage())[igmpAddress(kGroupCount)] = Value(igmp.ClientGroupNumberOfEntries);
     const NSTime now = NSTime::nowRelative();
     for (const auto& group : igmp.clientGroups) {
-        // Every group goes to instance 1, on purpose: the ACS has always seen one row, the last
-        // group in text order, beside a count of them all.
+        // Every group goes to instance 1, on purpose: the ACS sees one row, the last group in text
+        // order, beside a count of them all.
         (*storage())[groupAddress(1, "GroupAddress")] = Value(group.groupAddress);
         (*storage())[groupAddress(1, "UpTime")] = Value((now - group.firstSeen).toTimeT());
     }

@@ -16,7 +16,8 @@ namespace TR {
 class FrontEndDataProvider : public BaseDataProvider {
   public:
     struct FrontEnd {
-        /// Members that nothing changes are the client's fixed abilities.
+        /// Members are spelled as they are published. Those that nothing changes are the client's
+        /// fixed abilities.
         struct IGMP {
             /// A joined group; its address text is its identity and its order.
             struct ClientGroup {
@@ -28,17 +29,17 @@ class FrontEndDataProvider : public BaseDataProvider {
                 }
             };
 
-            bool enable = true;
-            std::string status = "Enabled";
-            std::uint32_t maximumNumberOfConcurrentGroups = 0;
-            std::uint32_t maximumNumberOfTrackedGroups = 0;
-            bool loggingEnable = false;
-            std::uint32_t dscpMark = 0;
-            std::int32_t vlanIdMark = -1;
-            std::int32_t ethernetPriorityMark = -1;
+            bool Enable = true;
+            std::string Status = "Enabled";
+            std::uint32_t MaximumNumberOfConcurrentGroups = 0;
+            std::uint32_t MaximumNumberOfTrackedGroups = 0;
+            bool LoggingEnable = false;
+            std::uint32_t DSCPMark = 0;
+            std::int32_t VLANIDMark = -1;
+            std::int32_t EthernetPriorityMark = -1;
             std::uint32_t clientVersion = 0;
-            std::uint32_t clientGroupNumberOfEntries = 0;
-            std::uint32_t clientGroupStatsNumberOfEntries = 0;
+            std::uint32_t ClientGroupNumberOfEntries = 0;
+            std::uint32_t ClientGroupStatsNumberOfEntries = 0;
             std::set<ClientGroup> clientGroups;
 
             /// Makes these the joined groups. One that was joined before keeps its time, a new one

@@ -1,6 +1,7 @@
 #include "providers/NetworkDataProvider.h"
 
 #include "model/Storage.h"
+#include "providers/NetworkCounters.h"
 #include "providers/NetworkText.h"
 #include "providers/NetworkTree.h"
 #include "stb/src/common/Commands.h"
@@ -9,7 +10,9 @@
 
 #include <iterator>
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include <net/if.h>
 
@@ -17,7 +20,18 @@ namespace TR {
 
 namespace {
 
-constexpr char kOwnInterfaces[] = "^(wlan[0-9]+|eth[0-9]+)$";
+constexpr char kOwnInterfaces[] = "wlan[0-9]+|eth[0-9]+";
+constexpr char kWirelessInterfaces[] = "wlan[0-9]+";
+
+bool matchesWhole(const NSRegExp& expression, const std::string& name) {
+    std::vector<std::string> match;
+    return expression.match(name, match) && match.front() == name;
+}
+
+bool isWireless(const std::string& name) {
+    static const NSRegExp wireless(kWirelessInterfaces);
+    return matchesWhole(wireless, name);
+}
 
 std::string kernelFile(const std::string& interfaceName, const char* file) {
     return Utils::getFileContent("/sys/class/net/" + interfaceName + "/" + file);
@@ -32,12 +46,12 @@ bool NetworkDataProvider::updateValues() {
 bool NetworkDataProvider::load() {
     std::optional<NetworkLinks> links = readNetworkLinks();
     if (!links) return false;
-    links_ = std::move(*links);
+    const NetworkLinks before = std::exchange(links_, std::move(*links));
     filterInterfaces();
-    for (const auto& [name, link] : links_) updateInterface(name, link);
+    for (const auto& [name, link] : links_) updateInterface(name, link, before);
     for (auto& [name, interface] : interfaces_) {
         if (links_.count(name) == 0) updateVanished(interface);
-        if (interface.isWireless()) updateWiFi(interface);
+        if (isWireless(name)) updateWiFi(interface);
     }
     return true;
 }
@@ -66,7 +80,7 @@ void NetworkDataProvider::publish(NetworkTree& tree) const {
     const Interface* wireless = nullptr;
     for (const auto& [name, interface] : interfaces_) {
         tree.publishInterface(++position, interface);
-        if (interface.isWireless()) wireless = &interface;
+        if (isWireless(name)) wireless = &interface;
     }
     // All wireless interfaces share one branch. The last one by name has it for good: if each wrote
     // it in turn, every refresh would look like a change.
@@ -76,17 +90,18 @@ void NetworkDataProvider::publish(NetworkTree& tree) const {
 void NetworkDataProvider::filterInterfaces() {
     static const NSRegExp own(kOwnInterfaces);
     for (auto link = links_.begin(); link != links_.end();)
-        link = own.match(link->first) ? std::next(link) : links_.erase(link);
+        link = matchesWhole(own, link->first) ? std::next(link) : links_.erase(link);
 }
 
-void NetworkDataProvider::updateInterface(const std::string& name, const NetworkLink& link) {
+void NetworkDataProvider::updateInterface(const std::string& name, const NetworkLink& link,
+                                          const NetworkLinks& before) {
+    const auto linkBefore = before.find(name);
     Interface& interface = interfaces_.try_emplace(name, name).first->second;
     interface.hardwareAddress = link.hardwareAddress;
     interface.ipv4Address = link.ipv4Address;
     interface.subnetMask = link.subnetMask;
     interface.enable = (link.flags & IFF_UP) != 0;
-    interface.counters.update(link.index, link.counters);
-    interface.stats = interface.counters.stats();
+    countTraffic(interface.stats, linkBefore == before.end() ? nullptr : &linkBefore->second, link);
     interface.duplexMode = getDuplexMode(name);
     interface.maxBitRate = getInterfaceSpeed(name);
     const auto status = NetworkText::status(link.flags, kernelFile(name, "operstate"));
@@ -99,7 +114,6 @@ void NetworkDataProvider::updateVanished(Interface& interface) {
     interface.ipv4Address.clear();
     interface.subnetMask.clear();
     interface.enable = false;
-    interface.counters.vanished();
     interface.duplexMode = Interface::DuplexMode::Auto;
     interface.maxBitRate = 0;
     if (interface.status != Interface::Status::NotPresent)
@@ -112,7 +126,8 @@ void NetworkDataProvider::updateWiFi(Interface& interface) {
     interface.wiFiStatus = isThere ? getWiFiStatus(interface.name) : Interface::WiFiStatus();
 }
 
-NetworkInterface::DuplexMode NetworkDataProvider::getDuplexMode(const std::string& name) {
+NetworkDataProvider::Interface::DuplexMode NetworkDataProvider::getDuplexMode(
+    const std::string& name) {
     return NetworkText::duplexMode(kernelFile(name, "duplex"));
 }
 
@@ -120,11 +135,13 @@ std::uint64_t NetworkDataProvider::getInterfaceSpeed(const std::string& name) {
     return NetworkText::bitRate(kernelFile(name, "speed"));
 }
 
-NetworkInterface::WiFiConfig NetworkDataProvider::getWiFiConfig(const std::string& name) {
+NetworkDataProvider::Interface::WiFiConfig NetworkDataProvider::getWiFiConfig(
+    const std::string& name) {
     return NetworkText::wiFiConfig(Utils::getFileContents("/var/kelm/network." + name));
 }
 
-NetworkInterface::WiFiStatus NetworkDataProvider::getWiFiStatus(const std::string& name) {
+NetworkDataProvider::Interface::WiFiStatus NetworkDataProvider::getWiFiStatus(
+    const std::string& name) {
     return NetworkText::wiFiStatus(Utils::processPipe("iw " + name + " link"));
 }
 

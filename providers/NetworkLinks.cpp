@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstring>
 
-#include <linux/if_link.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netpacket/packet.h>
@@ -17,24 +16,14 @@ namespace TR {
 
 namespace {
 
-// Older kernels give fewer members than the header names; what is behind them is not ours to read.
+// Older kernels give fewer members than the header names; nothing behind these is read.
 constexpr std::size_t kCounterBytes =
     offsetof(rtnl_link_stats, multicast) + sizeof(rtnl_link_stats::multicast);
 
-NetworkCounters::Reading readCounters(const void* data) {
+rtnl_link_stats readCounters(const void* data) {
     rtnl_link_stats stats{};
     if (data != nullptr) std::memcpy(&stats, data, kCounterBytes);
-    NetworkCounters::Reading reading{};
-    reading[NetworkCounters::PacketsReceived] = stats.rx_packets;
-    reading[NetworkCounters::PacketsSent] = stats.tx_packets;
-    reading[NetworkCounters::BytesReceived] = stats.rx_bytes;
-    reading[NetworkCounters::BytesSent] = stats.tx_bytes;
-    reading[NetworkCounters::ErrorsReceived] = stats.rx_errors;
-    reading[NetworkCounters::ErrorsSent] = stats.tx_errors;
-    reading[NetworkCounters::DroppedReceived] = stats.rx_dropped;
-    reading[NetworkCounters::DroppedSent] = stats.tx_dropped;
-    reading[NetworkCounters::MulticastReceived] = stats.multicast;
-    return reading;
+    return stats;
 }
 
 NetworkLink linkOf(const ifaddrs& entry) {

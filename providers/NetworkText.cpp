@@ -8,8 +8,8 @@ namespace TR::NetworkText {
 
 namespace {
 
-using Status = NetworkInterface::Status;
-using DuplexMode = NetworkInterface::DuplexMode;
+using Status = NetworkDataProvider::Interface::Status;
+using DuplexMode = NetworkDataProvider::Interface::DuplexMode;
 
 // Linux keeps "no speed known" as -1, and older kernels print it unsigned.
 constexpr std::uint64_t kUnknownSpeed = 0xffffffff;
@@ -19,7 +19,7 @@ struct OperstateRow {
     Status status;
 };
 
-// "testing" is missing on purpose: no traffic passes, and none of the other states says so.
+// "testing" is missing on purpose: no traffic passes, and no other state fits.
 constexpr OperstateRow kOperstates[] = {
     {"up", Status::Up},
     {"down", Status::Down},
@@ -46,7 +46,7 @@ Status status(unsigned flags, const std::string& operstate) {
     const std::string state = Utils::trim(operstate);
     for (const OperstateRow& row : kOperstates)
         if (state == row.operstate) return row.status;
-    // Drivers that never report a state; the kernel's documentation says to take them as up.
+    // Drivers that never report a state; the kernel's documentation takes them as up.
     if (state == "unknown" && (flags & IFF_RUNNING) != 0) return Status::Up;
     return Status::Error;
 }

@@ -7,6 +7,8 @@ namespace TR {
 
 namespace {
 
+using Stats = NetworkDataProvider::Interface::Stats;
+
 constexpr char kIpInterfaces[] = "Device.IP.Interface.";
 constexpr char kEthernetInterfaces[] = "Device.Ethernet.Interface.";
 constexpr char kVendorBranch[] = "Device.Services.STBService.1.X_Kelm.";
@@ -16,25 +18,25 @@ constexpr const char* kRoots[] = {"Device.IP.", kIpInterfaces, "Device.Ethernet.
 
 struct StatsRow {
     const char* name;
-    std::uint64_t NetworkStats::*figure;
+    std::uint64_t Stats::*figure;
 };
 
 constexpr StatsRow kStatsRows[] = {
-    {"BytesSent", &NetworkStats::bytesSent},
-    {"BytesReceived", &NetworkStats::bytesReceived},
-    {"PacketsSent", &NetworkStats::packetsSent},
-    {"PacketsReceived", &NetworkStats::packetsReceived},
-    {"ErrorsSent", &NetworkStats::errorsSent},
-    {"ErrorsReceived", &NetworkStats::errorsReceived},
-    {"DiscardPacketsSent", &NetworkStats::discardPacketsSent},
-    {"DiscardPacketsReceived", &NetworkStats::discardPacketsReceived},
-    {"BroadcastPacketsReceived", &NetworkStats::broadcastPacketsReceived},
-    {"BroadcastPacketsSent", &NetworkStats::broadcastPacketsSent},
-    {"MulticastPacketsReceived", &NetworkStats::multicastPacketsReceived},
-    {"MulticastPacketsSent", &NetworkStats::multicastPacketsSent},
-    {"UnicastPacketsReceived", &NetworkStats::unicastPacketsReceived},
-    {"UnicastPacketsSent", &NetworkStats::unicastPacketsSent},
-    {"UnknownProtoPacketsReceived", &NetworkStats::unknownProtoPacketsReceived},
+    {"BytesSent", &Stats::BytesSent},
+    {"BytesReceived", &Stats::BytesReceived},
+    {"PacketsSent", &Stats::PacketsSent},
+    {"PacketsReceived", &Stats::PacketsReceived},
+    {"ErrorsSent", &Stats::ErrorsSent},
+    {"ErrorsReceived", &Stats::ErrorsReceived},
+    {"DiscardPacketsSent", &Stats::DiscardPacketsSent},
+    {"DiscardPacketsReceived", &Stats::DiscardPacketsReceived},
+    {"BroadcastPacketsReceived", &Stats::BroadcastPacketsReceived},
+    {"BroadcastPacketsSent", &Stats::BroadcastPacketsSent},
+    {"MulticastPacketsReceived", &Stats::MulticastPacketsReceived},
+    {"MulticastPacketsSent", &Stats::MulticastPacketsSent},
+    {"UnicastPacketsReceived", &Stats::UnicastPacketsReceived},
+    {"UnicastPacketsSent", &Stats::UnicastPacketsSent},
+    {"UnknownProtoPacketsReceived", &Stats::UnknownProtoPacketsReceived},
 };
 
 std::string instance(const char* branch, unsigned position) {
@@ -64,47 +66,47 @@ void NetworkTree::publishRoots() {
     for (const char* path : kRoots) set(path, Value::Object());
 }
 
-void NetworkTree::publishInterface(unsigned position, const NetworkInterface& interface) {
-    publishIpInstance(instance(kIpInterfaces, position), interface);
-    publishEthernetInstance(instance(kEthernetInterfaces, position), interface);
+void NetworkTree::publishInterface(unsigned position, const Interface& interface) {
+    const std::string ip = instance(kIpInterfaces, position);
+    const std::string ethernet = instance(kEthernetInterfaces, position);
+    for (const std::string& path : {ip, ip + "Stats.", ethernet, ethernet + "Stats."})
+        set(path, Value::Object());
+    publishIpParameters(ip, interface);
+    publishEthernetParameters(ethernet, interface);
+    publishStats(ip + "Stats.", interface.stats);
+    publishStats(ethernet + "Stats.", interface.stats);
 }
 
-void NetworkTree::publishIpInstance(const std::string& branch, const NetworkInterface& interface) {
+void NetworkTree::publishIpParameters(const std::string& branch, const Interface& interface) {
     Value alias(interface.alias);
     alias.setMutableByUser(true);
-    set(branch, Value::Object());
     setNumber(branch + "Enable", interface.enable ? 1 : 0);
     set(branch + "Name", Value(interface.name));
     setNumber(branch + "IPv4AddressNumberOfEntries", interface.ipv4Address.empty() ? 0 : 1);
     set(branch + "IPv4Address.1.IPAddress", Value(interface.ipv4Address));
     set(branch + "IPv4Address.1.SubnetMask", Value(interface.subnetMask));
-    set(branch + "Status", Value(NetworkInterface::statusToString(interface.status)));
+    set(branch + "Status", Value(Interface::statusToString(interface.status)));
     set(branch + "Alias", alias);
     setNumber(branch + "LastChange", secondsSince(interface.lastChange));
-    publishStats(branch + "Stats.", interface.stats);
 }
 
-void NetworkTree::publishEthernetInstance(const std::string& branch,
-                                          const NetworkInterface& interface) {
-    set(branch, Value::Object());
+void NetworkTree::publishEthernetParameters(const std::string& branch, const Interface& interface) {
     setNumber(branch + "Enable", interface.enable ? 1 : 0);
     set(branch + "Name", Value(interface.name));
-    set(branch + "Status", Value(NetworkInterface::statusToString(interface.status)));
+    set(branch + "Status", Value(Interface::statusToString(interface.status)));
     set(branch + "LowerLayers", Value(std::string()));  // an Ethernet interface has none
     setNumber(branch + "Upstream", 1);  // every interface of an end device points to the network
     set(branch + "MACAddress", Value(interface.hardwareAddress));
     setNumber(branch + "MaxBitRate", interface.maxBitRate);
-    set(branch + "DuplexMode", Value(NetworkInterface::duplexModeToString(interface.duplexMode)));
+    set(branch + "DuplexMode", Value(Interface::duplexModeToString(interface.duplexMode)));
     setNumber(branch + "LastChange", secondsSince(interface.lastChange));
-    publishStats(branch + "Stats.", interface.stats);
 }
 
-void NetworkTree::publishStats(const std::string& branch, const NetworkStats& stats) {
-    set(branch, Value::Object());
+void NetworkTree::publishStats(const std::string& branch, const Stats& stats) {
     for (const StatsRow& row : kStatsRows) setNumber(branch + row.name, stats.*row.figure);
 }
 
-void NetworkTree::publishWiFi(const NetworkInterface& interface) {
+void NetworkTree::publishWiFi(const Interface& interface) {
     const std::string vendor = kVendorBranch;
     const std::string config = vendor + "Config.WiFiConfig.";
     const std::string status = vendor + "WiFiStatus.";
@@ -114,8 +116,8 @@ void NetworkTree::publishWiFi(const NetworkInterface& interface) {
     set(config + "WPAPassphrase", Value(interface.wiFiConfig.wpaPassphrase));
     set(config + "WEPPassphrase", Value(interface.wiFiConfig.wepPassphrase));
     set(status + "SSID", Value(interface.wiFiStatus.ssid));
-    set(status + "BSSID", Value(interface.wiFiStatus.bssid));
     set(status + "BitRate", Value(static_cast<long long>(interface.wiFiStatus.bitRate)));
+    set(status + "BSSID", Value(interface.wiFiStatus.bssid));
     set(status + "Frequency", Value(static_cast<long long>(interface.wiFiStatus.frequency)));
     set(status + "Signal", Value(static_cast<long long>(interface.wiFiStatus.signal)));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "providers/NetworkInterface.h"
+#include "providers/NetworkDataProvider.h"
 
 #include <map>
 #include <string>
@@ -11,10 +11,12 @@ class Storage;
 class Value;
 
 /// Where the network interfaces stand in the store. Lives for one publication on the worker thread;
-/// whoever makes it holds the store mutex and borrows it the store for its life. Positions count
-/// from 1. Nothing is ever removed: an instance that is not written again keeps its last values.
+/// its maker holds the store mutex and lends it the store for its life. Positions count from 1.
+/// Nothing is ever removed: an instance that is not written again keeps its last values.
 class NetworkTree {
   public:
+    using Interface = NetworkDataProvider::Interface;
+
     explicit NetworkTree(Storage& storage) : storage_(storage) {}
 
     /// The aliases in the store by interface name: what was published last or what the ACS has
@@ -23,16 +25,16 @@ class NetworkTree {
 
     void publishRoots();
     /// Publishes both instances of the interface.
-    void publishInterface(unsigned position, const NetworkInterface& interface);
+    void publishInterface(unsigned position, const Interface& interface);
     /// Publishes the WiFi branch, of which there is only one.
-    void publishWiFi(const NetworkInterface& interface);
+    void publishWiFi(const Interface& interface);
 
   private:
     void set(const std::string& path, const Value& value);
     void setNumber(const std::string& path, std::uint64_t number);
-    void publishIpInstance(const std::string& branch, const NetworkInterface& interface);
-    void publishEthernetInstance(const std::string& branch, const NetworkInterface& interface);
-    void publishStats(const std::string& branch, const NetworkStats& stats);
+    void publishIpParameters(const std::string& branch, const Interface& interface);
+    void publishEthernetParameters(const std::string& branch, const Interface& interface);
+    void publishStats(const std::string& branch, const Interface::Stats& stats);
 
     Storage& storage_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 
 namespace TR::StaticCapabilities {
@@ -29,44 +30,37 @@ constexpr Row text(const char* name, const char* value) {
     return {name, Kind::String, 0, value, nullptr, 0};
 }
 
-template <std::size_t count>
-constexpr Row list(const char* name, const char* const (&items)[count]) {
+constexpr Row list(const char* name, const char* const* items, std::size_t count) {
     return {name, Kind::StringList, 0, "", items, count};
 }
 
-// The third item is published with a blank before "-Layer2", and has been from the first firmware
-// on; the MPEG-2 decoder alone lists it without.
-constexpr const char* kAudioStandards[] = {"MPEG1-Part3-Layer2",
-                                           "MPEG1-Part3-Layer3",
-                                           "MPEG2-Part3 -Layer2",
-                                           "MPEG2-Part3-Layer3",
-                                           "MPEG2.5",
-                                           "MPEG2-AAC-LC",
-                                           "MPEG4-AAC-LC",
-                                           "MPEG4-AAC-MP",
-                                           "MPEG4-BSAC",
-                                           "MPEG4-AAC-HE-v2"};
-constexpr const char* kAudioStandardsAndAc3[] = {"MPEG1-Part3-Layer2",
-                                                 "MPEG1-Part3-Layer3",
-                                                 "MPEG2-Part3 -Layer2",
-                                                 "MPEG2-Part3-Layer3",
-                                                 "MPEG2.5",
-                                                 "MPEG2-AAC-LC",
-                                                 "MPEG4-AAC-LC",
-                                                 "MPEG4-AAC-MP",
-                                                 "MPEG4-BSAC",
-                                                 "MPEG4-AAC-HE-v2",
-                                                 "DOLBY-AC3"};
-constexpr const char* kMpeg2Part2AudioStandards[] = {"MPEG1-Part3-Layer2",
-                                                     "MPEG1-Part3-Layer3",
-                                                     "MPEG2-Part3-Layer2",
-                                                     "MPEG2-Part3-Layer3",
-                                                     "MPEG2.5",
-                                                     "MPEG2-AAC-LC",
-                                                     "MPEG4-AAC-LC",
-                                                     "MPEG4-AAC-MP",
-                                                     "MPEG4-BSAC",
-                                                     "MPEG4-AAC-HE-v2"};
+template <std::size_t count>
+constexpr Row list(const char* name, const char* const (&items)[count]) {
+    return list(name, items, count);
+}
+
+// Every decoder lists the first ten. The blank in the third item is published on purpose, and only
+// the MPEG-2 decoder's list goes without it.
+constexpr std::array<const char*, 11> kAudioStandards = {"MPEG1-Part3-Layer2",
+                                                         "MPEG1-Part3-Layer3",
+                                                         "MPEG2-Part3 -Layer2",
+                                                         "MPEG2-Part3-Layer3",
+                                                         "MPEG2.5",
+                                                         "MPEG2-AAC-LC",
+                                                         "MPEG4-AAC-LC",
+                                                         "MPEG4-AAC-MP",
+                                                         "MPEG4-BSAC",
+                                                         "MPEG4-AAC-HE-v2",
+                                                         "DOLBY-AC3"};
+constexpr std::size_t kAudioStandardsWithoutAc3 = kAudioStandards.size() - 1;
+
+constexpr auto mpeg2AudioStandards() {
+    auto items = kAudioStandards;
+    items[2] = "MPEG2-Part3-Layer2";
+    return items;
+}
+constexpr auto kMpeg2AudioStandards = mpeg2AudioStandards();
+
 constexpr const char* kVideoStandards[] = {"MPEG2-Part2", "MPEG4-Part2", "MPEG4-Part10"};
 constexpr const char* kAudioFormats[] = {"ANALOG-2-CHANNELS", "HDMI"};
 constexpr const char* kCompositeVideoStandards[] = {"NTSC-J", "NTSC-M", "PAL-B", "PAL-D", "PAL-G",
@@ -92,22 +86,26 @@ constexpr Row kRows[] = {
     number("Capabilities.PVR.MaxPlaybackStreams", 1),
     number("Capabilities.PVR.MaxTimeDelay", 30),
     object("Capabilities.AudioDecoder."),
-    list("Capabilities.AudioDecoder.AudioStandards", kAudioStandards),
+    list("Capabilities.AudioDecoder.AudioStandards", kAudioStandards.data(),
+         kAudioStandardsWithoutAc3),
     list("Capabilities.VideoDecoder.VideoStandards", kVideoStandards),
     object("Capabilities.VideoDecoder."),
     object("Capabilities.VideoDecoder.MPEG2Part2."),
-    list("Capabilities.VideoDecoder.MPEG2Part2.AudioStandards", kMpeg2Part2AudioStandards),
+    list("Capabilities.VideoDecoder.MPEG2Part2.AudioStandards", kMpeg2AudioStandards.data(),
+         kAudioStandardsWithoutAc3),
     number("Capabilities.VideoDecoder.MPEG2Part2.ProfileLevelNumberOfEntries", 2),
     text("Capabilities.VideoDecoder.MPEG2Part2.ProfileLevel.1.Profile", "MP"),
     text("Capabilities.VideoDecoder.MPEG2Part2.ProfileLevel.1.Level", "ML"),
     number("Capabilities.VideoDecoder.MPEG2Part2.ProfileLevel.1.MaximumDecodingCapability", 80000),
-    list("Capabilities.VideoDecoder.MPEG4Part2.AudioStandards", kAudioStandards),
+    list("Capabilities.VideoDecoder.MPEG4Part2.AudioStandards", kAudioStandards.data(),
+         kAudioStandardsWithoutAc3),
     number("Capabilities.VideoDecoder.MPEG4Part2.ProfileLevelNumberOfEntries", 13),
     text("Capabilities.VideoDecoder.MPEG4Part2.ProfileLevel.1.Profile", "SIMPLE"),
     text("Capabilities.VideoDecoder.MPEG4Part2.ProfileLevel.1.Level", "L0"),
     number("Capabilities.VideoDecoder.MPEG4Part2.ProfileLevel.1.MaximumDecodingCapability", 40000),
     object("Capabilities.VideoDecoder.MPEG4Part10."),
-    list("Capabilities.VideoDecoder.MPEG4Part10.AudioStandards", kAudioStandardsAndAc3),
+    list("Capabilities.VideoDecoder.MPEG4Part10.AudioStandards", kAudioStandards.data(),
+         kAudioStandards.size()),
     number("Capabilities.VideoDecoder.MPEG4Part10.ProfileLevelNumberOfEntries", 42),
     text("Capabilities.VideoDecoder.MPEG4Part10.ProfileLevel.1.Profile", "CONSTRAINED BASELINE"),
     number("Capabilities.VideoDecoder.MPEG4Part10.ProfileLevel.1.Level", 1),

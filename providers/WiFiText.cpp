@@ -10,8 +10,8 @@ namespace TR::NetworkText {
 
 namespace {
 
-using WiFiConfig = NetworkInterface::WiFiConfig;
-using WiFiStatus = NetworkInterface::WiFiStatus;
+using WiFiConfig = NetworkDataProvider::Interface::WiFiConfig;
+using WiFiStatus = NetworkDataProvider::Interface::WiFiStatus;
 
 constexpr char kBssid[] = "([a-fA-F0-9]{2}:?){6}";
 
@@ -49,25 +49,16 @@ KeyAndRest split(const std::string& line, char separator) {
     return {Utils::toLowerString(Utils::trim(line.substr(0, end))), line.substr(end + 1)};
 }
 
-void dropLast(std::string& text, char last) {
-    if (!text.empty() && text.back() == last) text.pop_back();
-}
-
-std::string withoutLeadingBlanks(const std::string& text) {
-    return text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
-}
-
 void readSetting(const std::string& line, WiFiConfig& config) {
-    // A comment makes a key that begins with its sign, which is none of ours.
-    KeyAndRest setting = split(line, '=');
-    dropLast(setting.rest, '\r');
+    // A comment makes a key that begins with its sign, which is not in the table.
+    const KeyAndRest setting = split(line, '=');
     for (const ConfigRow& row : kConfigRows)
-        if (setting.key == row.key) config.*row.text = withoutLeadingBlanks(setting.rest);
+        if (setting.key == row.key) config.*row.text = setting.rest;
 }
 
 // The tool puts one blank behind the colon; further ones belong to the network's name.
 std::string ssid(std::string rest) {
-    dropLast(rest, '\n');
+    if (!rest.empty() && rest.back() == '\n') rest.pop_back();
     return !rest.empty() && rest.front() == ' ' ? rest.substr(1) : rest;
 }
 

@@ -9,7 +9,7 @@ void STBServiceMonitoringModel::MainStream::setEnable(bool enable) {
 
 void STBServiceMonitoringModel::MainStream::resetTotals() {
     total_ = Total();
-    totalReset_ = false;
+    flag_ = 0;
     resetTime_ = NSTime::nowRelative();
 }
 

@@ -47,7 +47,6 @@ struct STBServiceMonitoringModel {
         std::uint32_t gmin() const { return gmin_; }
         std::uint32_t severeLossMinDistance() const { return severeLossMinDistance_; }
         std::uint32_t severeLossMinLength() const { return severeLossMinLength_; }
-        bool totalReset() const { return totalReset_; }
         NSTime resetTime() const { return resetTime_; }
         const Total& total() const { return total_; }
         const std::deque<Sample>& samples() const { return samples_; }
@@ -75,11 +74,11 @@ struct STBServiceMonitoringModel {
         bool enable_ = false;
         std::uint32_t status_ = kStatusDisabled;
         std::string serviceType_;
-        std::string avStream_;  ///< which of the box's streams this is; there is only one
+        std::string unused_;
         std::uint32_t gmin_ = 0;
         std::uint32_t severeLossMinDistance_ = 0;
         std::uint32_t severeLossMinLength_ = 0;
-        bool totalReset_ = false;  ///< a reset is a trigger: over as soon as it is done
+        std::uint8_t flag_ = 0;  ///< cleared with the totals; nothing sets it
         NSTime resetTime_ = NSTime::nowRelative();
         Total total_;
         int lastDiscontinuityReading_ = 0;

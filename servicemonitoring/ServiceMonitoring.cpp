@@ -1,12 +1,14 @@
 #include "servicemonitoring/ServiceMonitoring.h"
 
 #include "model/Storage.h"
-#include "servicemonitoring/AcsSettings.h"
 #include "servicemonitoring/ServiceMonitoringTree.h"
 #include "stb/src/amlogic/STBAml.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace TR {
@@ -22,9 +24,29 @@ constexpr std::uint32_t kSamplingEnabled = 1;
 
 constexpr std::uint32_t kLongestRefusedIntervalSeconds = 9;
 constexpr std::uint32_t kMostReportSamplesToSwitch = 100;
-// Far beyond any use, and still only a few megabytes in the store. A number that nobody can mean
-// must not take the box's memory.
-constexpr std::uint32_t kMostSamplesKept = 10000;
+
+// What every cycle takes back from the store.
+constexpr const char* kSettings[] = {
+    Tree::kFetchSamples,  Tree::kReportSamples, Tree::kSampleEnable,    Tree::kSampleInterval,
+    Tree::kTimeReference, Tree::kTotalReset,    Tree::kMainStreamEnable};
+
+/// Copies of the settings in their order, all of one moment; `Undefined` where there is none.
+std::array<Value, std::size(kSettings)> copySettings(Storage& storage) {
+    std::array<Value, std::size(kSettings)> copies;
+    const pthread_helper::scoped_lock lock(storage.getStorageMutex());
+    for (std::size_t i = 0; i < copies.size(); ++i)
+        copies[i] = storage.getValueCopy(Tree::address(kSettings[i]));
+    return copies;
+}
+
+std::optional<std::int64_t> number(const Value& setting) {
+    if (setting.getType() != Value::Type::Integer) return std::nullopt;
+    return setting.getInt64();
+}
+
+bool isTrigger(const Value& setting) {
+    return number(setting).value_or(0) != 0;
+}
 
 }  // namespace
 
@@ -47,7 +69,7 @@ void ServiceMonitoring::init() {
 
 bool ServiceMonitoring::updateValues() {
     if (storage() == nullptr) return false;
-    takeSettings(AcsSettings::copiedFrom(*storage()));
+    takeSettings();
     return load() && store();
 }
 
@@ -62,54 +84,46 @@ bool ServiceMonitoring::load() {
 bool ServiceMonitoring::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
+    adoptLateWrites();
+    const MainStream& stream = mainStreams_.front();
     Tree::publishObjects(*storage());
     storage()->set(Tree::address(Tree::kSampleState), Tree::sampleStateText(sampleState_));
-    publishMainStreamEnable();
-    publishTotalReset();
-    Tree::publishFigures(*storage(), mainStreams_.front());
+    Tree::publishMainStream(*storage(), stream);
+    knownMainStreamEnable_ = Value(stream.isEnabled());
     storage()->set(Tree::address(Tree::kReportStartTime), Tree::timeText(reportStartTime_));
     storage()->set(Tree::address(Tree::kReportEndTime), Tree::timeText(reportEndTime_));
     return true;
 }
 
-void ServiceMonitoring::publishMainStreamEnable() {
-    Value& stored = (*storage())[Tree::address(Tree::kMainStreamEnable)];
-    if (stored != knownMainStreamEnable_) {
-        // Written since this cycle took the settings: the next cycle takes it.
-        stored.setMutableByUser(true);
-        return;
-    }
-    knownMainStreamEnable_ = Tree::writable(Value(mainStreams_.front().isEnabled()));
-    storage()->set(Tree::address(Tree::kMainStreamEnable), knownMainStreamEnable_);
+// What the ACS has written since this cycle took the settings would be overwritten unseen.
+void ServiceMonitoring::adoptLateWrites() {
+    const Value enable = storage()->getValueCopy(Tree::address(Tree::kMainStreamEnable));
+    if (enable != knownMainStreamEnable_) takeMainStreamEnable(enable);
+    if (isTrigger(storage()->getValueCopy(Tree::address(Tree::kTotalReset))))
+        mainStreamTotalReset(1);
 }
 
-void ServiceMonitoring::publishTotalReset() {
-    Value& stored = (*storage())[Tree::address(Tree::kTotalReset)];
-    if (AcsSettings::number(stored).value_or(0) != 0) {
-        // Asked for since this cycle took the settings: the next cycle does it.
-        stored.setMutableByUser(true);
-        return;
-    }
-    storage()->set(Tree::address(Tree::kTotalReset),
-                   Tree::writable(Value(mainStreams_.front().totalReset())));
-}
-
-void ServiceMonitoring::takeSettings(const AcsSettings& settings) {
-    const auto number = AcsSettings::number;
-    if (const auto count = number(settings.reportSamples)) takeReportSamples(*count);
+void ServiceMonitoring::takeSettings() {
+    const auto [fetchSamples, reportSamples, sampleEnable, sampleInterval, timeReference,
+                totalReset, mainStreamEnable] = copySettings(*storage());
+    if (const auto count = number(reportSamples)) takeReportSamples(*count);
     // Before the interval: of both written at once the interval counts from this cycle on, the
     // switch from the next.
-    if (const auto enable = number(settings.sampleEnable)) setSampleEnable(*enable != 0);
-    if (const auto seconds = number(settings.sampleInterval)) takeSampleInterval(*seconds);
-    if (settings.timeReference.getType() == Value::Type::String) timeReference_ = NSTime::now();
-    if (number(settings.totalReset).value_or(0) != 0) takeTotalReset();
-    if (const auto enable = number(settings.mainStreamEnable)) setMainStreamEnable(*enable != 0, 1);
-    knownMainStreamEnable_ = settings.mainStreamEnable;
+    if (const auto enable = number(sampleEnable)) setSampleEnable(*enable != 0);
+    if (const auto seconds = number(sampleInterval)) takeSampleInterval(*seconds);
+    if (timeReference.getType() == Value::Type::String) timeReference_ = NSTime::now();
+    if (isTrigger(totalReset)) takeTotalReset();
+    takeMainStreamEnable(mainStreamEnable);
+}
+
+void ServiceMonitoring::takeMainStreamEnable(const Value& setting) {
+    if (const auto enable = number(setting)) setMainStreamEnable(*enable != 0, 1);
+    knownMainStreamEnable_ = setting;
 }
 
 void ServiceMonitoring::takeReportSamples(std::int64_t count) {
-    reportSamples_ = static_cast<std::uint32_t>(
-        std::clamp<std::int64_t>(count, 0, std::int64_t{kMostSamplesKept}));
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
+    reportSamples_ = static_cast<std::uint32_t>(std::clamp<std::int64_t>(count, 0, most));
     mainStreams_.front().resizeSamples(reportSamples_);
 }
 
@@ -119,13 +133,12 @@ void ServiceMonitoring::takeSampleInterval(std::int64_t seconds) {
     setSampleInterval(static_cast<std::uint32_t>(seconds));
 }
 
-// One lock round both halves: whoever asks before it is served by this reset, whoever asks after it
-// finds the trigger released.
+// One lock round both halves: a write before it is served by this reset, a write after it finds the
+// trigger released.
 void ServiceMonitoring::takeTotalReset() {
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
     mainStreamTotalReset(1);
-    storage()->set(Tree::address(Tree::kTotalReset),
-                   Tree::writable(Value(mainStreams_.front().totalReset())));
+    storage()->set(Tree::address(Tree::kTotalReset), Tree::writable(Value(0)));
 }
 
 void ServiceMonitoring::setSampleEnable(bool enable) {
@@ -154,8 +167,7 @@ void ServiceMonitoring::restartReport(Utils::TimeUnit unit) {
 }
 
 void ServiceMonitoring::setReportSamples(std::uint32_t count) {
-    if (count <= reportSamples_) return;
-    mainStreams_.front().resizeSamples(std::min(count, kMostSamplesKept));
+    if (count > reportSamples_) mainStreams_.front().resizeSamples(count);
 }
 
 void ServiceMonitoring::setMainStreamEnable(bool enable, unsigned index) {

@@ -12,13 +12,11 @@
 
 namespace TR {
 
-struct AcsSettings;
-
 /// TR-135 `ServiceMonitoring.`: the sampling settings, which the ACS writes into the store and
 /// every cycle takes from there, and the figures of the one main stream. The worker thread alone
 /// calls; the D-Bus thread's writes are met in the store only, whose mutex is held for the whole of
 /// `init()` and `store()` and never while the counter is read. A write of the ACS that lands in the
-/// middle of a cycle is left for the next one.
+/// middle of a cycle counts: `store()` takes the main stream's, the next cycle the others.
 class ServiceMonitoring : public BaseDataProvider {
   public:
     using MainStream = STBServiceMonitoringModel::MainStream;
@@ -33,17 +31,18 @@ class ServiceMonitoring : public BaseDataProvider {
     bool updateValues() override;
     /// Samples the discontinuity counter while main stream 1 is enabled.
     bool load() override;
-    /// Publishes the main stream and the report times; false without a store.
+    /// Takes what the ACS wrote to the main stream since `updateValues()` took the settings, then
+    /// publishes the main stream and the report times. False without a store.
     bool store() override;
 
-    /// Refused, without a word, until the interval is long enough.
+    /// Ignored until the interval is at least 10 seconds.
     void setSampleEnable(bool enable);
-    /// Too short an interval is refused, without a word.
+    /// Less than 10 seconds is ignored.
     void setSampleInterval(std::uint32_t seconds);
-    /// Grows or cuts the samples until the next cycle brings the setting again; acts only on more
-    /// samples than the setting says.
+    /// Grows or cuts the samples until the next cycle applies the setting again; acts only on more
+    /// samples than the setting.
     void setReportSamples(std::uint32_t count);
-    // Part of the interface of a monitored service. On this box nothing follows from them.
+    // Without an effect on this box.
     void setFetchSamples(std::uint32_t /*count*/) {}
     void setTimeReference(const NSTime& /*time*/) {}
     void forceSample() {}
@@ -62,17 +61,17 @@ class ServiceMonitoring : public BaseDataProvider {
   private:
     MainStream* stream(unsigned index);
 
-    void takeSettings(const AcsSettings& settings);
+    void takeSettings();
     void takeReportSamples(std::int64_t count);
     void takeSampleInterval(std::int64_t seconds);
     void takeTotalReset();
+    void takeMainStreamEnable(const Value& setting);
 
     void switchSampling(bool enable);
     void restartReport(Utils::TimeUnit unit);
 
-    // The caller of these two holds the store mutex.
-    void publishMainStreamEnable();
-    void publishTotalReset();
+    /// The caller holds the store mutex.
+    void adoptLateWrites();
 
     bool sampleEnable_ = false;
     std::uint32_t sampleState_ = 0;
@@ -84,7 +83,7 @@ class ServiceMonitoring : public BaseDataProvider {
     NSTime reportStartTime_;
     NSTime reportEndTime_;
     std::vector<MainStream> mainStreams_ = std::vector<MainStream>(1);
-    /// What this object last read or wrote there; anything else in the store is a newer write.
+    /// Of `MainStream.1.Enable`, last read or written; another value in the store is a later write.
     Value knownMainStreamEnable_;
 };
 

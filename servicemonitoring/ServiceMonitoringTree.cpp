@@ -54,7 +54,7 @@ Value textAt(const char* const (&texts)[count], std::uint32_t position) {
     return Value(std::string(position < count ? texts[position] : ""));
 }
 
-// Begins without an element, so that there is one for each sample and none besides.
+// Begins without an element: a list has exactly one for each sample.
 Value listOf(const std::deque<MainStream::Sample>& samples,
              std::uint32_t MainStream::Sample::*figure) {
     Value list(Value::Type::Integer, 0);
@@ -85,10 +85,12 @@ void publishObjects(Storage& storage) {
     for (const char* name : kObjects) storage.set(address(name), Value::Object());
 }
 
-void publishFigures(Storage& storage, const MainStream& stream) {
+void publishMainStream(Storage& storage, const MainStream& stream) {
     const std::string name = "MainStream.1.";
-    storage.set(address(name + "Status"), textAt(kStreamStatuses, stream.status()));
     const NSTime sinceReset = NSTime::nowRelative() - stream.resetTime();
+    storage.set(address(kMainStreamEnable), writable(Value(stream.isEnabled())));
+    storage.set(address(name + "Status"), textAt(kStreamStatuses, stream.status()));
+    storage.set(address(kTotalReset), writable(Value(0)));
     storage.set(address(name + "Total.ResetTime"), Value(sinceReset.toTimeT()));
     for (const TotalRow& row : kTotals)
         storage.set(address(name + "Total." + row.name), Value(stream.total().*row.figure));

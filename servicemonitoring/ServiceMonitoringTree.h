@@ -12,7 +12,7 @@ namespace TR {
 
 class Storage;
 
-/// How service monitoring looks in the tree: names, texts and the figures of the main stream. Who
+/// How service monitoring looks in the tree: names, texts and the main stream. A caller that
 /// publishes holds the store mutex.
 namespace ServiceMonitoringTree {
 
@@ -32,8 +32,7 @@ constexpr char kReportEndTime[] = "ReportEndTime";
 /// The full path of a name below `Device.Services.STBService.1.ServiceMonitoring.`.
 Address address(const std::string& name);
 
-/// The value as the ACS may write it. Set with the value in one go: a parameter that loses the
-/// setting for a moment would swallow a write of the ACS.
+/// The value as the ACS may write it.
 Value writable(Value value);
 
 /// "Disabled", "Enabled", "Trigger"; empty for any other state.
@@ -41,10 +40,10 @@ Value sampleStateText(std::uint32_t state);
 /// Local calendar time with the name of its zone.
 Value timeText(const NSTime& time);
 
-/// The object nodes above the main stream, and the service's own.
+/// The object nodes of the service and its main stream.
 void publishObjects(Storage& storage);
-/// The main stream's status, totals and sample lists; all that the ACS does not write.
-void publishFigures(Storage& storage, const STBServiceMonitoringModel::MainStream& stream);
+/// The main stream's settings, totals and sample lists. The reset trigger reads 0.
+void publishMainStream(Storage& storage, const STBServiceMonitoringModel::MainStream& stream);
 
 }  // namespace ServiceMonitoringTree
 

@@ -1,12 +1,8 @@
 #include "bench/LogText.h"
 #include "bench/Table.h"
 #include "bench/cycle/Probes.h"
+#include "daemon/Worker.h"
 #include "model/Storage.h"
-#include "providers/DeviceInfoDataProvider.h"
-#include "providers/FrontEndDataProvider.h"
-#include "providers/NetworkDataProvider.h"
-#include "providers/StaticDataProvider.h"
-#include "servicemonitoring/ServiceMonitoring.h"
 #include "stb/src/common/JsonEscape.h"
 #include "tests/support/Box.h"
 
@@ -56,35 +52,7 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// The daemon's providers, refreshed as the worker refreshes them, without a thread around them.
-class Cycle {
-  public:
-    Cycle() {
-        static_.updateValues();
-        monitoring_.init();
-        frontEnd_.init();
-        deviceInfo_.init();
-    }
-
-    void run() {
-        network_.updateValues();
-        monitoring_.updateValues();
-        frontEnd_.updateValues();
-        deviceInfo_.updateValues();
-        storage_.getNotifTable().tryTriggerNotify(storage_.updates());
-        storage_.clearUpdates();
-    }
-
-  private:
-    TR::Storage storage_;
-    TR::NetworkDataProvider network_{&storage_};
-    TR::ServiceMonitoring monitoring_{&storage_};
-    TR::StaticDataProvider static_{&storage_};
-    TR::FrontEndDataProvider frontEnd_{&storage_};
-    TR::DeviceInfoDataProvider deviceInfo_{&storage_};
-};
-
-// The commands of one cycle, each from a shell of its own, which is how any program starts them.
+// The commands of one cycle, each from its own shell, as any program starts them.
 void writeScript(const std::string& path) {
     box::writeFile(path,
                    "sh -c 'iw wlan0 link' >/dev/null\n"
@@ -98,14 +66,14 @@ void runScript(const char* path) {
     if (std::system(command.c_str()) != 0) std::exit(EXIT_FAILURE);
 }
 
-void reportCycle(Cycle& cycle) {
+void reportCycle(TR::Worker& worker) {
     constexpr char kScript[] = "/tmp/commands.sh";
     writeScript(kScript);
     std::vector<double> whole, own, script, ratios, locked;
     for (int round = 0; round < kRounds; ++round) {
         bench::reset();
         const double ownBefore = ownCpu();
-        whole.push_back(costOf(allCpu, [&] { cycle.run(); }));
+        whole.push_back(costOf(allCpu, [&] { worker.runCycle(); }));
         own.push_back(ownCpu() - ownBefore);
         const auto beyond =
             bench::probes().locked - bench::probes().commands - bench::probes().logs;
@@ -136,20 +104,20 @@ double memcpyCost(const std::string& text) {
 }
 
 /// Every cycle finds a log that has grown by a line, as it does in life.
-double cycleCost(Cycle& cycle, std::string log) {
+double cycleCost(TR::Worker& worker, std::string log) {
     std::vector<double> costs;
     for (int round = 0; round < kRounds / 2; ++round) {
         if (!log.empty()) log += "Jan  1 12:00:01 stb daemon.info player[412]: one more\n";
         if (!log.empty()) box::writeFile(kLogFile, log);
-        costs.push_back(costOf(ownCpu, [&] { cycle.run(); }));
+        costs.push_back(costOf(ownCpu, [&] { worker.runCycle(); }));
     }
     return median(costs);
 }
 
-void reportLog(Cycle& cycle) {
+void reportLog(TR::Worker& worker) {
     const std::string log = bench::logText(kLogBytes);
-    const double without = cycleCost(cycle, "");
-    const double with = cycleCost(cycle, log);
+    const double without = cycleCost(worker, "");
+    const double with = cycleCost(worker, log);
     const double copy = memcpyCost(TR::Utils::escapeForJson(log));
     bench::report(
         "DeviceLog of 16 MiB: its cycle cost / memcpy of the escaped text",
@@ -163,8 +131,11 @@ void reportLog(Cycle& cycle) {
 int main() {
     std::remove(kLogFile);
     std::remove("/tmp/syslog.0");
-    Cycle cycle;
-    cycle.run();
-    reportCycle(cycle);
-    reportLog(cycle);
+    TR::Storage storage;
+    TR::Worker worker(&storage);  // not started: its steps are taken here
+    worker.createProviders();
+    worker.initProviders();
+    worker.runCycle();
+    reportCycle(worker);
+    reportLog(worker);
 }

@@ -33,7 +33,7 @@ struct Counts {
     std::atomic<std::size_t> mistakes{0};
 };
 
-/// A client with a parameter of its own to write; the surplus ones read only.
+/// A client that writes one parameter which is its alone; the surplus ones only read.
 class Talker {
   public:
     Talker(const std::string& bus, std::size_t number, Counts& counts)

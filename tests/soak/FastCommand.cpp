@@ -2,8 +2,8 @@
 
 #include <unistd.h>
 
-// What the box's stand-in commands print, without their shell: thousands of cycles are to pass in
-// minutes. The name that it is called by says what.
+// Prints what the box's stand-in commands print, without their shell: thousands of cycles pass in
+// minutes. The program's name decides which.
 namespace {
 
 struct Output {

@@ -2,12 +2,8 @@
 // seconds between them, with sources that change all the time. Runs in the box, whose commands it
 // replaces by fast ones. Ends with 1 when memory, descriptors or threads are not flat.
 
+#include "daemon/Worker.h"
 #include "model/Storage.h"
-#include "providers/DeviceInfoDataProvider.h"
-#include "providers/FrontEndDataProvider.h"
-#include "providers/NetworkDataProvider.h"
-#include "providers/StaticDataProvider.h"
-#include "servicemonitoring/ServiceMonitoring.h"
 #include "tests/soak/FlatCheck.h"
 #include "tests/support/Box.h"
 
@@ -43,71 +39,48 @@ void changeSources(std::size_t cycle) {
     box::writeFile("/var/kelm/network.wlan0", "wifi_ssid=" + std::string(cycle % 32, 's') + "\n");
 }
 
-class AllProviders {
-  public:
-    AllProviders() {
-        static_.updateValues();
-        monitoring_.init();
-        frontEnd_.init();
-        deviceInfo_.init();
-        write(kMonitoring + "MainStream.1.Enable", "1");
-        write(kMonitoring + "SampleInterval", "10");
-        write(kMonitoring + "SampleEnable", "1");
-        watchEverything();
+void write(TR::Storage& storage, const std::string& address, const std::string& text) {
+    const pthread_helper::scoped_lock lock(storage.getStorageMutex());
+    storage[Address(address)].setByUserWithConversion(text);
+}
+
+void switchMonitoringOn(TR::Storage& storage) {
+    write(storage, kMonitoring + "MainStream.1.Enable", "1");
+    write(storage, kMonitoring + "SampleInterval", "10");
+    write(storage, kMonitoring + "SampleEnable", "1");
+}
+
+void watchEverything(TR::Storage& storage) {
+    std::string rows;
+    for (const Address& address : storage.listParametersOnly()) {
+        rows += R"({ "parameter": ")" + address.get() + R"(", "value": "", "notification": "2" })" +
+                "\n";
     }
-
-    void cycle() {
-        network_.updateValues();
-        monitoring_.updateValues();
-        frontEnd_.updateValues();
-        deviceInfo_.updateValues();
-        storage_.getNotifTable().tryTriggerNotify(storage_.updates());
-        storage_.clearUpdates();
-    }
-
-    std::size_t addresses() const { return storage_.listAddresses().size(); }
-
-  private:
-    void write(const std::string& address, const std::string& text) {
-        const pthread_helper::scoped_lock lock(storage_.getStorageMutex());
-        storage_[Address(address)].setByUserWithConversion(text);
-    }
-
-    void watchEverything() {
-        network_.updateValues();
-        monitoring_.updateValues();
-        deviceInfo_.updateValues();
-        std::string rows;
-        for (const Address& address : storage_.listParametersOnly()) {
-            rows += R"({ "parameter": ")" + address.get() +
-                    R"(", "value": "", "notification": "2" })" + "\n";
-        }
-        box::writeFile("/tmp/.easycwmp_notif_param_value", rows);
-        const pthread_helper::scoped_lock lock(storage_.getNotifTable().getMutex());
-        storage_.getNotifTable().update();
-    }
-
-    TR::Storage storage_;
-    TR::StaticDataProvider static_{&storage_};
-    TR::NetworkDataProvider network_{&storage_};
-    TR::ServiceMonitoring monitoring_{&storage_};
-    TR::FrontEndDataProvider frontEnd_{&storage_};
-    TR::DeviceInfoDataProvider deviceInfo_{&storage_};
-};
+    box::writeFile("/tmp/.easycwmp_notif_param_value", rows);
+    const pthread_helper::scoped_lock lock(storage.getNotifTable().getMutex());
+    storage.getNotifTable().update();
+}
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
     const std::size_t cycles = argumentCount > 1 ? std::strtoul(arguments[1], nullptr, 10) : 10000;
     makeCommandsFast();
-    AllProviders providers;
+    TR::Storage storage;
+    TR::Worker worker(&storage);  // not started: its steps are taken here, without a pause
+    worker.createProviders();
+    worker.initProviders();
+    worker.runCycle();
+    switchMonitoringOn(storage);
+    watchEverything(storage);
     FlatCheck check("cycles");
     const std::size_t step = cycles < kSamples ? 1 : cycles / kSamples;
     for (std::size_t cycle = 1; cycle <= cycles; ++cycle) {
         changeSources(cycle);
-        providers.cycle();
+        worker.runCycle();
         if (cycle % step != 0) continue;
-        check.add(cycle, vitalsOf(getpid()), std::to_string(providers.addresses()) + " addresses");
+        check.add(cycle, vitalsOf(getpid()),
+                  std::to_string(storage.listAddresses().size()) + " addresses");
     }
     return check.isFlat() ? 0 : 1;
 }

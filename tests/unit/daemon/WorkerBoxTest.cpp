@@ -34,6 +34,22 @@ TEST_F(WorkerTest, NothingRunsBeforeTheStart) {
     EXPECT_TRUE(storage_.listAddresses().empty());
 }
 
+TEST_F(WorkerTest, TheStepsFillTheTreeWithoutAThread) {
+    worker_.createProviders();
+    worker_.initProviders();
+    EXPECT_TRUE(has("Device.Services.STBService.1.Enable"));
+    EXPECT_TRUE(has("Device.DeviceInfo.SerialNumber"));
+    EXPECT_FALSE(has("Device.IP.Interface.1.Name"));
+    for (std::size_t cycles = 1; cycles <= 2; ++cycles) {
+        worker_.runCycle();
+        EXPECT_EQ(box::calls("ps").size(), cycles * kCountsPerCycle);
+        EXPECT_TRUE(storage_.updates().empty());
+    }
+    EXPECT_TRUE(has("Device.IP.Interface.1.Name"));
+    EXPECT_TRUE(has("Device.DeviceInfo.DeviceLog"));
+    EXPECT_FALSE(worker_.isOnline());
+}
+
 TEST_F(WorkerTest, TheFirstPassFillsTheTree) {
     worker_.start();
     EXPECT_TRUE(worker_.isOnline());

@@ -197,7 +197,7 @@ TEST_F(FrontEndDataProviderTest, AnIpv6SocketThatNetstatNamesSoCountsToo) {
     EXPECT_EQ(text("ClientGroup.1.GroupAddress"), "239.255.0.9");
 }
 
-TEST_F(FrontEndDataProviderTest, WhenNetstatSaysNothingUsableTheGroupsAreGone) {
+TEST_F(FrontEndDataProviderTest, WhenNetstatPrintsNothingUsableTheGroupsAreGone) {
     const GroupMember member("239.255.0.1", 1234);
     for (const char* fault : {"silent", "exit 1", "garbage", "flood"}) {
         provider_.updateValues();

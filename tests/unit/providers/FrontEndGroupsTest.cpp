@@ -23,17 +23,17 @@ long long firstSeen(const IGMP& igmp, const std::string& address) {
 
 TEST(ClientGroupsTest, ANewRecordHasTheDefaults) {
     const IGMP igmp;
-    EXPECT_TRUE(igmp.enable);
-    EXPECT_EQ(igmp.status, "Enabled");
-    EXPECT_EQ(igmp.maximumNumberOfConcurrentGroups, 0u);
-    EXPECT_EQ(igmp.maximumNumberOfTrackedGroups, 0u);
-    EXPECT_FALSE(igmp.loggingEnable);
-    EXPECT_EQ(igmp.dscpMark, 0u);
-    EXPECT_EQ(igmp.vlanIdMark, -1);
-    EXPECT_EQ(igmp.ethernetPriorityMark, -1);
+    EXPECT_TRUE(igmp.Enable);
+    EXPECT_EQ(igmp.Status, "Enabled");
+    EXPECT_EQ(igmp.MaximumNumberOfConcurrentGroups, 0u);
+    EXPECT_EQ(igmp.MaximumNumberOfTrackedGroups, 0u);
+    EXPECT_FALSE(igmp.LoggingEnable);
+    EXPECT_EQ(igmp.DSCPMark, 0u);
+    EXPECT_EQ(igmp.VLANIDMark, -1);
+    EXPECT_EQ(igmp.EthernetPriorityMark, -1);
     EXPECT_EQ(igmp.clientVersion, 0u);
-    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 0u);
-    EXPECT_EQ(igmp.clientGroupStatsNumberOfEntries, 0u);
+    EXPECT_EQ(igmp.ClientGroupNumberOfEntries, 0u);
+    EXPECT_EQ(igmp.ClientGroupStatsNumberOfEntries, 0u);
     EXPECT_TRUE(igmp.clientGroups.empty());
 }
 
@@ -42,7 +42,7 @@ TEST(ClientGroupsTest, TheOrderIsThatOfTheTexts) {
     igmp.setJoinedGroups({"239.0.0.2", "239.0.0.10", "224.0.0.251"}, 1);
     EXPECT_EQ(addresses(igmp),
               (std::vector<std::string>{"224.0.0.251", "239.0.0.10", "239.0.0.2"}));
-    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 3u);
+    EXPECT_EQ(igmp.ClientGroupNumberOfEntries, 3u);
 }
 
 TEST(ClientGroupsTest, AGroupThatStaysKeepsItsTime) {
@@ -58,13 +58,13 @@ TEST(ClientGroupsTest, AGroupThatIsNoLongerThereIsDropped) {
     igmp.setJoinedGroups({"239.0.0.1", "239.0.0.2", "239.0.0.3"}, 100);
     igmp.setJoinedGroups({"239.0.0.2"}, 200);
     EXPECT_EQ(addresses(igmp), std::vector<std::string>{"239.0.0.2"});
-    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 1u);
+    EXPECT_EQ(igmp.ClientGroupNumberOfEntries, 1u);
     igmp.setJoinedGroups({}, 300);
     EXPECT_TRUE(igmp.clientGroups.empty());
-    EXPECT_EQ(igmp.clientGroupNumberOfEntries, 0u);
+    EXPECT_EQ(igmp.ClientGroupNumberOfEntries, 0u);
 }
 
-TEST(ClientGroupsTest, AGroupThatIsAwayForOnePassBeginsAnew) {
+TEST(ClientGroupsTest, AGroupThatIsAwayForOnePassStartsAgain) {
     IGMP igmp;
     igmp.setJoinedGroups({"239.0.0.1"}, 100);
     igmp.setJoinedGroups({}, 200);

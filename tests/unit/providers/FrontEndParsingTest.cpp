@@ -66,7 +66,7 @@ TEST(KernelSettingsTest, ARunOfEqualsSignsSeparatesOnce) {
               30u);
 }
 
-TEST(KernelSettingsTest, ASecondFieldThatIsNoNumberReadsAsZero) {
+TEST(KernelSettingsTest, ASecondFieldWithoutANumberReadsAsZero) {
     EXPECT_EQ(memberships(" = many\n"), 0u);
 }
 
@@ -78,7 +78,7 @@ TEST(KernelSettingsTest, ANumberThatIsTooBigReadsAsTheBiggest) {
     EXPECT_EQ(memberships(" = 99999999999999999999\n"), std::numeric_limits<std::uint32_t>::max());
 }
 
-TEST(KernelSettingsTest, BytesThatAreNoTextDoNoHarm) {
+TEST(KernelSettingsTest, InvalidUtf8DoesNoHarm) {
     EXPECT_EQ(memberships(std::string(" = \xff\xfe\0 30", 8)), 0u);
     EXPECT_EQ(TR::Igmp::kernelSettings({std::string("\0\xff=\x80", 4)}).maximumMemberships, 0u);
 }

@@ -75,7 +75,7 @@ TEST_F(NetworkAliasTest, AnEmptyAliasStaysToo) {
     EXPECT_EQ(ip(1, "Alias"), "");
 }
 
-TEST_F(NetworkAliasTest, TheAcssOwnWriteIsNoChangeToTellItOf) {
+TEST_F(NetworkAliasTest, AWriteOfTheAcsRecordsNoChange) {
     provider_.updateValues();
     ASSERT_TRUE(write(1, "Living room"));
     provider_.updateValues();
@@ -181,7 +181,7 @@ class RandomWriter {
     std::map<std::string, std::string> expected_;  // guarded by the store mutex
 };
 
-TEST_F(NetworkAliasTest, NoneOfAThousandWritesAtRandomMomentsIsLost) {
+TEST_F(NetworkAliasTest, AThousandWritesAtRandomMomentsAllStay) {
     run("ip link del wlan0");  // its tool would take most of a cycle's time
     addInterface("eth3", "10.0.0.3/8");
     provider_.updateValues();

@@ -10,8 +10,7 @@
 #include <set>
 #include <string>
 
-/// A network provider in a box with eth0 and wlan0, which a test may change as it likes: each case
-/// has a box of its own.
+/// A network provider in a box with eth0 and wlan0. Each case has its own box and may change it.
 class NetworkBoxTest : public ::testing::Test {
   protected:
     static void run(const std::string& commands) {

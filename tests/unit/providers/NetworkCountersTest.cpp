@@ -2,136 +2,134 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace {
 
-using TR::NetworkCounters;
-using TR::NetworkStats;
+using Stats = TR::NetworkDataProvider::Interface::Stats;
+using TR::NetworkLink;
 
-constexpr unsigned kIndex = 2;
 constexpr std::uint64_t kTurnOver = std::uint64_t{1} << 32;
 
-NetworkCounters::Reading bytesSent(std::uint32_t bytes) {
-    NetworkCounters::Reading reading{};
-    reading[NetworkCounters::BytesSent] = bytes;
-    return reading;
-}
-
-NetworkStats statsOf(const NetworkCounters::Reading& reading) {
-    NetworkCounters counters;
-    counters.update(kIndex, reading);
-    return counters.stats();
-}
-
-TEST(NetworkCountersTest, BeforeTheFirstReadingEverythingIsZero) {
-    const NetworkStats stats = NetworkCounters().stats();
-    EXPECT_EQ(stats.bytesSent, 0U);
-    EXPECT_EQ(stats.unicastPacketsReceived, 0U);
-}
-
-TEST(NetworkCountersTest, TheFirstReadingIsTheKernelsFigure) {
-    EXPECT_EQ(statsOf(bytesSent(4294967295U)).bytesSent, 4294967295U);
-}
-
-TEST(NetworkCountersTest, EveryKernelCounterHasItsOwnFigure) {
-    NetworkCounters::Reading reading{};
-    reading[NetworkCounters::PacketsReceived] = 100;
-    reading[NetworkCounters::PacketsSent] = 20;
-    reading[NetworkCounters::BytesReceived] = 3000;
-    reading[NetworkCounters::BytesSent] = 4000;
-    reading[NetworkCounters::ErrorsReceived] = 5;
-    reading[NetworkCounters::ErrorsSent] = 6;
-    reading[NetworkCounters::DroppedReceived] = 7;
-    reading[NetworkCounters::DroppedSent] = 8;
-    reading[NetworkCounters::MulticastReceived] = 9;
-    const NetworkStats stats = statsOf(reading);
-    EXPECT_EQ(stats.packetsReceived, 100U);
-    EXPECT_EQ(stats.packetsSent, 20U);
-    EXPECT_EQ(stats.bytesReceived, 3000U);
-    EXPECT_EQ(stats.bytesSent, 4000U);
-    EXPECT_EQ(stats.errorsReceived, 5U);
-    EXPECT_EQ(stats.errorsSent, 6U);
-    EXPECT_EQ(stats.discardPacketsReceived, 7U);
-    EXPECT_EQ(stats.discardPacketsSent, 8U);
-    EXPECT_EQ(stats.multicastPacketsReceived, 9U);
-    EXPECT_EQ(stats.unicastPacketsReceived, 91U);
-    EXPECT_EQ(stats.unicastPacketsSent, 20U);
-}
-
-TEST(NetworkCountersTest, WhatLinuxDoesNotCountIsZero) {
-    NetworkCounters::Reading reading{};
-    reading.fill(1000);
-    const NetworkStats stats = statsOf(reading);
-    EXPECT_EQ(stats.broadcastPacketsSent, 0U);
-    EXPECT_EQ(stats.broadcastPacketsReceived, 0U);
-    EXPECT_EQ(stats.multicastPacketsSent, 0U);
-    EXPECT_EQ(stats.unknownProtoPacketsReceived, 0U);
-}
-
-TEST(NetworkCountersTest, MoreMulticastsThanPacketsAreNoUnicasts) {
-    NetworkCounters::Reading reading{};
-    reading[NetworkCounters::PacketsReceived] = 3;
-    reading[NetworkCounters::MulticastReceived] = 4;
-    EXPECT_EQ(statsOf(reading).unicastPacketsReceived, 0U);
-}
-
-TEST(NetworkCountersTest, AWrapShowsNoStepBack) {
-    NetworkCounters counters;
-    counters.update(kIndex, bytesSent(4294967000U));
-    counters.update(kIndex, bytesSent(704));
-    EXPECT_EQ(counters.stats().bytesSent, 4294968000U);
-}
-
-TEST(NetworkCountersTest, ManyWrapsAddUp) {
-    NetworkCounters counters;
-    for (int round = 0; round < 1000; ++round) {
-        counters.update(kIndex, bytesSent(0x80000000U));
-        counters.update(kIndex, bytesSent(0));
+/// One interface whose counters are read again and again.
+class NetworkCountersTest : public ::testing::Test {
+  protected:
+    void read(const rtnl_link_stats& counters, unsigned index = 2) {
+        NetworkLink now;
+        now.index = index;
+        now.counters = counters;
+        TR::countTraffic(stats_, before_ ? &*before_ : nullptr, now);
+        before_ = now;
     }
-    EXPECT_EQ(counters.stats().bytesSent, 1000 * kTurnOver);
+    void readBytesSent(std::uint32_t bytes, unsigned index = 2) {
+        rtnl_link_stats counters{};
+        counters.tx_bytes = bytes;
+        read(counters, index);
+    }
+    void vanish() { before_.reset(); }
+
+    Stats stats_;
+
+  private:
+    std::optional<NetworkLink> before_;
+};
+
+TEST_F(NetworkCountersTest, TheFirstReadingIsTheKernelsFigure) {
+    readBytesSent(4294967295U);
+    EXPECT_EQ(stats_.BytesSent, 4294967295U);
 }
 
-TEST(NetworkCountersTest, EachCounterWrapsByItself) {
-    NetworkCounters counters;
-    NetworkCounters::Reading reading{};
-    reading[NetworkCounters::BytesReceived] = 4294967295U;
-    reading[NetworkCounters::PacketsReceived] = 10;
-    counters.update(kIndex, reading);
-    reading[NetworkCounters::BytesReceived] = 0;
-    reading[NetworkCounters::PacketsReceived] = 11;
-    counters.update(kIndex, reading);
-    EXPECT_EQ(counters.stats().bytesReceived, kTurnOver);
-    EXPECT_EQ(counters.stats().packetsReceived, 11U);
+TEST_F(NetworkCountersTest, EveryKernelCounterHasItsOwnFigure) {
+    rtnl_link_stats counters{};
+    counters.rx_packets = 100;
+    counters.tx_packets = 20;
+    counters.rx_bytes = 3000;
+    counters.tx_bytes = 4000;
+    counters.rx_errors = 5;
+    counters.tx_errors = 6;
+    counters.rx_dropped = 7;
+    counters.tx_dropped = 8;
+    counters.multicast = 9;
+    read(counters);
+    EXPECT_EQ(stats_.PacketsReceived, 100U);
+    EXPECT_EQ(stats_.PacketsSent, 20U);
+    EXPECT_EQ(stats_.BytesReceived, 3000U);
+    EXPECT_EQ(stats_.BytesSent, 4000U);
+    EXPECT_EQ(stats_.ErrorsReceived, 5U);
+    EXPECT_EQ(stats_.ErrorsSent, 6U);
+    EXPECT_EQ(stats_.DiscardPacketsReceived, 7U);
+    EXPECT_EQ(stats_.DiscardPacketsSent, 8U);
+    EXPECT_EQ(stats_.MulticastPacketsReceived, 9U);
+    EXPECT_EQ(stats_.UnicastPacketsReceived, 91U);
+    EXPECT_EQ(stats_.UnicastPacketsSent, 20U);
 }
 
-TEST(NetworkCountersTest, AQuietInterfaceStaysWhereItIs) {
-    NetworkCounters counters;
-    for (int round = 0; round < 3; ++round) counters.update(kIndex, bytesSent(5));
-    EXPECT_EQ(counters.stats().bytesSent, 5U);
+TEST_F(NetworkCountersTest, WhatLinuxDoesNotCountIsZero) {
+    rtnl_link_stats counters{};
+    counters.rx_packets = 1000;
+    counters.tx_packets = 1000;
+    counters.multicast = 1000;
+    read(counters);
+    EXPECT_EQ(stats_.BroadcastPacketsSent, 0U);
+    EXPECT_EQ(stats_.BroadcastPacketsReceived, 0U);
+    EXPECT_EQ(stats_.MulticastPacketsSent, 0U);
+    EXPECT_EQ(stats_.UnknownProtoPacketsReceived, 0U);
 }
 
-TEST(NetworkCountersTest, ARecreatedInterfaceStartsFromTheKernelsFigure) {
-    NetworkCounters counters;
-    counters.update(kIndex, bytesSent(0xf0000000U));
-    counters.update(kIndex, bytesSent(0));
-    counters.update(kIndex + 1, bytesSent(42));
-    EXPECT_EQ(counters.stats().bytesSent, 42U);
-    counters.update(kIndex + 1, bytesSent(43));
-    EXPECT_EQ(counters.stats().bytesSent, 43U);
+TEST_F(NetworkCountersTest, MoreMulticastsThanPacketsLeaveNoUnicasts) {
+    rtnl_link_stats counters{};
+    counters.rx_packets = 3;
+    counters.multicast = 4;
+    read(counters);
+    EXPECT_EQ(stats_.UnicastPacketsReceived, 0U);
 }
 
-TEST(NetworkCountersTest, AVanishedInterfaceKeepsItsFigures) {
-    NetworkCounters counters;
-    counters.update(kIndex, bytesSent(5));
-    counters.vanished();
-    EXPECT_EQ(counters.stats().bytesSent, 5U);
+TEST_F(NetworkCountersTest, AWrapShowsNoStepBack) {
+    readBytesSent(4294967000U);
+    readBytesSent(704);
+    EXPECT_EQ(stats_.BytesSent, 4294968000U);
 }
 
-TEST(NetworkCountersTest, AReturningInterfaceStartsFromTheKernelsFigureWhateverItsIndex) {
-    NetworkCounters counters;
-    counters.update(kIndex, bytesSent(500));
-    counters.vanished();
-    counters.update(kIndex, bytesSent(42));
-    EXPECT_EQ(counters.stats().bytesSent, 42U);
+TEST_F(NetworkCountersTest, ManyWrapsAddUp) {
+    for (int round = 0; round < 1000; ++round) {
+        readBytesSent(0x80000000U);
+        readBytesSent(0);
+    }
+    EXPECT_EQ(stats_.BytesSent, 1000 * kTurnOver);
+}
+
+TEST_F(NetworkCountersTest, EachCounterWrapsByItself) {
+    rtnl_link_stats counters{};
+    counters.rx_bytes = 4294967295U;
+    counters.rx_packets = 10;
+    read(counters);
+    counters.rx_bytes = 0;
+    counters.rx_packets = 11;
+    read(counters);
+    EXPECT_EQ(stats_.BytesReceived, kTurnOver);
+    EXPECT_EQ(stats_.PacketsReceived, 11U);
+    EXPECT_EQ(stats_.UnicastPacketsReceived, 11U);
+}
+
+TEST_F(NetworkCountersTest, AQuietInterfaceStaysWhereItIs) {
+    for (int round = 0; round < 3; ++round) readBytesSent(5);
+    EXPECT_EQ(stats_.BytesSent, 5U);
+}
+
+TEST_F(NetworkCountersTest, ARecreatedInterfaceStartsFromTheKernelsFigure) {
+    readBytesSent(0xf0000000U);
+    readBytesSent(0);
+    readBytesSent(42, 3);
+    EXPECT_EQ(stats_.BytesSent, 42U);
+    readBytesSent(43, 3);
+    EXPECT_EQ(stats_.BytesSent, 43U);
+}
+
+TEST_F(NetworkCountersTest, AReturningInterfaceStartsFromTheKernelsFigureWhateverItsIndex) {
+    readBytesSent(500);
+    vanish();
+    readBytesSent(42);
+    EXPECT_EQ(stats_.BytesSent, 42U);
 }
 
 }  // namespace

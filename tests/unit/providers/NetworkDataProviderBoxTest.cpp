@@ -17,7 +17,7 @@ using Interface = TR::NetworkDataProvider::Interface;
 
 class NetworkDataProviderTest : public NetworkBoxTest {
   protected:
-    /// The kernel tells of a carrier that comes or goes up to a second later.
+    /// The kernel reports a carrier that comes or goes up to a second later.
     bool becomes(const std::string& status) {
         return box::waitUntil([&] {
             provider_.updateValues();
@@ -171,7 +171,7 @@ TEST_F(NetworkDataProviderTest, OnlyAChangeOfStatusMovesTheLastChange) {
     EXPECT_EQ(provider_.interfaces().at("wlan0").lastChange, firstOfOther);
 }
 
-TEST_F(NetworkDataProviderTest, LastChangeCountsUpAndStartsAnewAtAChange) {
+TEST_F(NetworkDataProviderTest, LastChangeCountsUpAndRestartsAtAChange) {
     provider_.updateValues();
     const auto lastChange = [this] {
         provider_.updateValues();
@@ -197,7 +197,7 @@ TEST_F(NetworkDataProviderTest, SpeedAndDuplexAreTheKernelsFigures) {
     EXPECT_EQ(ethernet(1, "DuplexMode"), "Full");
 }
 
-TEST_F(NetworkDataProviderTest, ASpeedThatIsNoneIsZero) {
+TEST_F(NetworkDataProviderTest, AnUnknownSpeedIsZero) {
     for (const char* speed : {"-1\n", "4294967295\n", "fast\n", ""}) {
         setKernelFile("eth0", "speed", speed);
         provider_.updateValues();
@@ -307,7 +307,7 @@ TEST_F(NetworkDataProviderTest, ABoxWithoutInterfacesHasOnlyTheRoots) {
               (Names{"IP.", "IP.Interface.", "Ethernet.", "Ethernet.Interface."}));
 }
 
-TEST_F(NetworkDataProviderTest, TheFirstRefreshIsNoChange) {
+TEST_F(NetworkDataProviderTest, TheFirstRefreshRecordsNoChange) {
     provider_.updateValues();
     EXPECT_TRUE(storage_.updates().empty());
 }

@@ -7,8 +7,8 @@
 namespace {
 
 using namespace TR::NetworkText;
-using Status = TR::NetworkInterface::Status;
-using DuplexMode = TR::NetworkInterface::DuplexMode;
+using Status = TR::NetworkDataProvider::Interface::Status;
+using DuplexMode = TR::NetworkDataProvider::Interface::DuplexMode;
 
 constexpr unsigned kUp = IFF_UP;
 constexpr unsigned kRunning = IFF_UP | IFF_RUNNING;
@@ -63,7 +63,7 @@ TEST(NetworkSpeedTest, ALinkThatIsDownHasNone) {
     EXPECT_EQ(bitRate(""), 0U);
 }
 
-TEST(NetworkSpeedTest, AnOldKernelsUnsignedMinusOneIsNoneEither) {
+TEST(NetworkSpeedTest, AnOldKernelsUnsignedMinusOneIsZero) {
     EXPECT_EQ(bitRate("4294967295\n"), 0U);
 }
 
@@ -73,7 +73,7 @@ TEST(NetworkSpeedTest, BeyondASigned32BitNumberItStaysAsItIs) {
     EXPECT_EQ(bitRate("4294967296\n"), 4294967296U);
 }
 
-TEST(NetworkSpeedTest, WhatIsNoNumberIsZero) {
+TEST(NetworkSpeedTest, AnythingButANumberIsZero) {
     for (const char* speed : {"fast\n", "100fast\n", "1 000\n", "-100\n", "+100\n", "0x64\n", "1e3",
                               "99.9\n", "18446744073709551616\n", "9223372036854775808\n", "\n"})
         EXPECT_EQ(bitRate(speed), 0U) << speed;

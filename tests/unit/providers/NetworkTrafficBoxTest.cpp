@@ -132,7 +132,7 @@ TEST_F(NetworkTrafficTest, AnInterfaceThatReturnsUnderItsOldIndexDoesToo) {
     EXPECT_LT(counted("BytesSent"), 500 * kFrameBytes);
 }
 
-TEST_F(NetworkTrafficTest, AnInterfaceThatIsMadeAnewBetweenTwoRefreshesDoesToo) {
+TEST_F(NetworkTrafficTest, AnInterfaceThatIsRemadeBetweenTwoRefreshesDoesToo) {
     FrameSender("eth0").send(500);
     provider_.updateValues();
     ASSERT_TRUE(grewBy("BytesSent", 0, 500 * kFrameBytes));

@@ -10,8 +10,8 @@
 namespace {
 
 using TR::Address;
-using TR::NetworkInterface;
 using TR::Value;
+using Interface = TR::NetworkDataProvider::Interface;
 
 const std::string kVendor = "Device.Services.STBService.1.X_Kelm.";
 
@@ -31,14 +31,14 @@ constexpr const char* kStatsNames[] = {"BytesSent",
                                        "UnicastPacketsSent",
                                        "UnknownProtoPacketsReceived"};
 
-NetworkInterface wiredInterface() {
-    NetworkInterface interface("eth0");
+Interface wiredInterface() {
+    Interface interface("eth0");
     interface.hardwareAddress = "00:1a:2b:3c:4d:5e";
     interface.ipv4Address = "192.168.1.20";
     interface.subnetMask = "255.255.255.0";
     interface.enable = true;
-    interface.status = NetworkInterface::Status::Up;
-    interface.duplexMode = NetworkInterface::DuplexMode::Full;
+    interface.status = Interface::Status::Up;
+    interface.duplexMode = Interface::DuplexMode::Full;
     interface.maxBitRate = 3'000'000'000;
     return interface;
 }
@@ -84,7 +84,7 @@ TEST_F(NetworkTreeTest, AnInterfaceIsExactlyTheseParameters) {
     EXPECT_EQ(paths(), expected);
 }
 
-TEST_F(NetworkTreeTest, TheIpInstanceTellsTheAddress) {
+TEST_F(NetworkTreeTest, TheIpInstanceShowsTheAddress) {
     tree_.publishInterface(1, wiredInterface());
     const std::string branch = "Device.IP.Interface.1.";
     EXPECT_EQ(at(branch + "Enable"), "1");
@@ -96,7 +96,7 @@ TEST_F(NetworkTreeTest, TheIpInstanceTellsTheAddress) {
     EXPECT_EQ(at(branch + "Alias"), "cpe-eth0");
 }
 
-TEST_F(NetworkTreeTest, TheEthernetInstanceTellsTheLink) {
+TEST_F(NetworkTreeTest, TheEthernetInstanceShowsTheLink) {
     tree_.publishInterface(1, wiredInterface());
     const std::string branch = "Device.Ethernet.Interface.1.";
     EXPECT_EQ(at(branch + "Enable"), "1");
@@ -111,7 +111,7 @@ TEST_F(NetworkTreeTest, TheEthernetInstanceTellsTheLink) {
 
 TEST_F(NetworkTreeTest, NumbersAndTextsHaveTheirTypes) {
     tree_.publishInterface(1, wiredInterface());
-    tree_.publishWiFi(NetworkInterface("wlan0"));
+    tree_.publishWiFi(Interface("wlan0"));
     const std::set<std::string> texts = {"Name",  "IPAddress",   "SubnetMask",    "Status",
                                          "Alias", "LowerLayers", "MACAddress",    "DuplexMode",
                                          "SSID",  "BSSID",       "WPAPassphrase", "WEPPassphrase"};
@@ -125,23 +125,23 @@ TEST_F(NetworkTreeTest, NumbersAndTextsHaveTheirTypes) {
 }
 
 TEST_F(NetworkTreeTest, EachCounterStandsUnderItsNameInBothInstances) {
-    NetworkInterface interface = wiredInterface();
+    Interface interface = wiredInterface();
     auto& stats = interface.stats;
-    std::uint64_t* const figures[] = {&stats.bytesSent,
-                                      &stats.bytesReceived,
-                                      &stats.packetsSent,
-                                      &stats.packetsReceived,
-                                      &stats.errorsSent,
-                                      &stats.errorsReceived,
-                                      &stats.discardPacketsSent,
-                                      &stats.discardPacketsReceived,
-                                      &stats.broadcastPacketsReceived,
-                                      &stats.broadcastPacketsSent,
-                                      &stats.multicastPacketsReceived,
-                                      &stats.multicastPacketsSent,
-                                      &stats.unicastPacketsReceived,
-                                      &stats.unicastPacketsSent,
-                                      &stats.unknownProtoPacketsReceived};
+    std::uint64_t* const figures[] = {&stats.BytesSent,
+                                      &stats.BytesReceived,
+                                      &stats.PacketsSent,
+                                      &stats.PacketsReceived,
+                                      &stats.ErrorsSent,
+                                      &stats.ErrorsReceived,
+                                      &stats.DiscardPacketsSent,
+                                      &stats.DiscardPacketsReceived,
+                                      &stats.BroadcastPacketsReceived,
+                                      &stats.BroadcastPacketsSent,
+                                      &stats.MulticastPacketsReceived,
+                                      &stats.MulticastPacketsSent,
+                                      &stats.UnicastPacketsReceived,
+                                      &stats.UnicastPacketsSent,
+                                      &stats.UnknownProtoPacketsReceived};
     for (std::size_t i = 0; i < std::size(figures); ++i) *figures[i] = 5'000'000'000 + i;
     tree_.publishInterface(1, interface);
     for (std::size_t i = 0; i < std::size(figures); ++i) {
@@ -152,7 +152,7 @@ TEST_F(NetworkTreeTest, EachCounterStandsUnderItsNameInBothInstances) {
 }
 
 TEST_F(NetworkTreeTest, LastChangeIsTheWholeSecondsSinceThen) {
-    NetworkInterface interface = wiredInterface();
+    Interface interface = wiredInterface();
     interface.lastChange = NSTime::nowRelative() - 3'600'900'000LL;
     tree_.publishInterface(1, interface);
     const long long passed = (NSTime::nowRelative() - interface.lastChange).toTimeT();
@@ -167,7 +167,7 @@ TEST_F(NetworkTreeTest, OnlyTheAliasIsWritableAndNothingIsForcedIntoInforms) {
     for (int round = 0; round < 2; ++round) {
         tree_.publishRoots();
         tree_.publishInterface(1, wiredInterface());
-        tree_.publishWiFi(NetworkInterface("wlan0"));
+        tree_.publishWiFi(Interface("wlan0"));
         for (const std::string& path : paths()) {
             const Value value = storage_.getValueCopy(Address(path));
             EXPECT_EQ(value.isMutableByUser(), path == "Device.IP.Interface.1.Alias") << path;
@@ -178,14 +178,14 @@ TEST_F(NetworkTreeTest, OnlyTheAliasIsWritableAndNothingIsForcedIntoInforms) {
 }
 
 TEST_F(NetworkTreeTest, AnInterfaceWithoutAnAddressHasNoEntries) {
-    tree_.publishInterface(1, NetworkInterface("eth0"));
+    tree_.publishInterface(1, Interface("eth0"));
     EXPECT_EQ(at("Device.IP.Interface.1.IPv4AddressNumberOfEntries"), "0");
     EXPECT_EQ(at("Device.IP.Interface.1.IPv4Address.1.IPAddress"), "");
     EXPECT_EQ(at("Device.IP.Interface.1.Status"), "Error");
 }
 
-TEST_F(NetworkTreeTest, TheWiFiBranchTellsSettingsAndLink) {
-    NetworkInterface interface("wlan0");
+TEST_F(NetworkTreeTest, TheWiFiBranchShowsSettingsAndLink) {
+    Interface interface("wlan0");
     interface.wiFiConfig = {"Home", "wpa", "wep"};
     interface.wiFiStatus.ssid = "Home: 2";
     interface.wiFiStatus.bssid = "9C:3D:CF:12:AB:EF";
@@ -212,15 +212,15 @@ TEST_F(NetworkTreeTest, TheWiFiBranchTellsSettingsAndLink) {
 
 TEST_F(NetworkTreeTest, AliasesAreReadBackByInterfaceName) {
     EXPECT_TRUE(tree_.aliases().empty());
-    tree_.publishInterface(1, NetworkInterface("eth0"));
-    tree_.publishInterface(2, NetworkInterface("wlan0"));
+    tree_.publishInterface(1, Interface("eth0"));
+    tree_.publishInterface(2, Interface("wlan0"));
     ASSERT_TRUE(storage_[Address("Device.IP.Interface.2.Alias")].setByUser("from the ACS"));
     EXPECT_EQ(tree_.aliases(), (std::map<std::string, std::string>{{"eth0", "cpe-eth0"},
                                                                    {"wlan0", "from the ACS"}}));
 }
 
 TEST_F(NetworkTreeTest, OfANameThatStandsTwiceTheFirstAliasCounts) {
-    NetworkInterface interface("wlan0");
+    Interface interface("wlan0");
     interface.alias = "live";
     tree_.publishInterface(1, interface);
     interface.alias = "stale";
@@ -229,7 +229,7 @@ TEST_F(NetworkTreeTest, OfANameThatStandsTwiceTheFirstAliasCounts) {
 }
 
 TEST_F(NetworkTreeTest, ReadingAliasesBackMakesNoEntry) {
-    tree_.publishInterface(1, NetworkInterface("eth0"));
+    tree_.publishInterface(1, Interface("eth0"));
     storage_[Address("Device.IP.Interface.2.Name")];  // somebody asked for it in vain
     const auto before = paths();
     EXPECT_EQ(tree_.aliases().size(), 1U);

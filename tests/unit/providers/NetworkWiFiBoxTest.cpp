@@ -51,11 +51,11 @@ TEST_F(NetworkWiFiTest, TheSettingsAreTheFiles) {
     EXPECT_EQ(config("SSID"), "Kelm Home");
     EXPECT_EQ(config("WPAPassphrase"), "correct horse=battery");
     EXPECT_EQ(config("WEPPassphrase"), "");
-    box::writeFile("/var/kelm/network.wlan0", "wifi_ssid = Other\r\nwifi_wep_passphrase=abcde");
+    box::writeFile("/var/kelm/network.wlan0", "WIFI_SSID =Other\nwifi_wep_passphrase= a b");
     provider_.updateValues();
     EXPECT_EQ(config("SSID"), "Other");
     EXPECT_EQ(config("WPAPassphrase"), "");
-    EXPECT_EQ(config("WEPPassphrase"), "abcde");
+    EXPECT_EQ(config("WEPPassphrase"), " a b");
 }
 
 TEST_F(NetworkWiFiTest, WithoutASettingsFileTheTextsAreEmpty) {
@@ -64,7 +64,7 @@ TEST_F(NetworkWiFiTest, WithoutASettingsFileTheTextsAreEmpty) {
     EXPECT_EQ(config("SSID") + config("WPAPassphrase") + config("WEPPassphrase"), "");
 }
 
-TEST_F(NetworkWiFiTest, TheLinkIsWhatTheToolTells) {
+TEST_F(NetworkWiFiTest, TheLinkIsWhatTheToolPrints) {
     provider_.updateValues();
     EXPECT_EQ(box::calls("iw"), (Calls{"iw wlan0 link"}));
     EXPECT_EQ(status("SSID"), "Kelm Home");
@@ -82,7 +82,7 @@ TEST_F(NetworkWiFiTest, ALinkThatIsLostLeavesNoFigures) {
     EXPECT_EQ(config("SSID"), "Kelm Home");
 }
 
-TEST_F(NetworkWiFiTest, AToolThatFailsIsNoLink) {
+TEST_F(NetworkWiFiTest, AToolThatFailsLeavesNoLink) {
     provider_.updateValues();
     for (const char* fault : {"exit 1", "silent", "garbage", "flood"}) {
         box::setFault("iw", fault);
@@ -140,7 +140,7 @@ TEST_F(NetworkWiFiTest, WhatIsReadFromOneInterfaceCanBeAskedForByName) {
     EXPECT_EQ(TR::NetworkDataProvider::getWiFiStatus("wlan0").signal, -45);
     EXPECT_EQ(TR::NetworkDataProvider::getInterfaceSpeed("eth0"), 100U);
     EXPECT_EQ(TR::NetworkDataProvider::getDuplexMode("eth0"),
-              TR::NetworkInterface::DuplexMode::Full);
+              TR::NetworkDataProvider::Interface::DuplexMode::Full);
 }
 
 }  // namespace

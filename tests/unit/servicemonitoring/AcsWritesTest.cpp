@@ -20,52 +20,71 @@ class AcsWritesInTheMiddleTest : public ::testing::Test {
         service_.cycle();
     }
 
-    void writeInTheMiddle(const std::string& name, const std::string& text) {
+    void cycleWith(const std::string& name, const std::string& text) {
         service_.monitoring.inTheMiddle = [=] { EXPECT_TRUE(service_.write(name, text)); };
         service_.cycle();
-        EXPECT_EQ(service_.text(name), text) << "the cycle has undone the write";
         EXPECT_TRUE(service_.value(name).isMutableByUser());
     }
+    const TR::ServiceMonitoring::MainStream& stream() { return *service_.monitoring.mainStream(1); }
 
     Service service_;
 };
 
-TEST_F(AcsWritesInTheMiddleTest, TheMainStreamsEnableIsTakenByTheNextCycle) {
+TEST_F(AcsWritesInTheMiddleTest, TheMainStreamsEnableIsTakenByTheSameCycle) {
     for (const char* enable : {"1", "0", "1"}) {
-        writeInTheMiddle("MainStream.1.Enable", enable);
-        service_.cycle();
+        cycleWith("MainStream.1.Enable", enable);
         EXPECT_EQ(service_.text("MainStream.1.Enable"), enable);
-        EXPECT_EQ(service_.monitoring.mainStream(1)->isEnabled(), *enable == '1');
+        EXPECT_EQ(service_.text("MainStream.1.Status"), *enable == '1' ? "Enabled" : "Disabled");
+        EXPECT_EQ(stream().isEnabled(), *enable == '1');
     }
+}
+
+TEST_F(AcsWritesInTheMiddleTest, AnyNumberButZeroEnablesAndReadsAsOne) {
+    cycleWith("MainStream.1.Enable", "-7");
+    EXPECT_EQ(service_.text("MainStream.1.Enable"), "1");
+    EXPECT_EQ(service_.text("MainStream.1.Status"), "Enabled");
 }
 
 TEST_F(AcsWritesInTheMiddleTest, AnEnableThatIsTakenBackAtOnceCountsAsItEnds) {
     service_.write("MainStream.1.Enable", "1");
-    writeInTheMiddle("MainStream.1.Enable", "0");
-    service_.cycle();
+    cycleWith("MainStream.1.Enable", "0");
     EXPECT_EQ(service_.text("MainStream.1.Enable"), "0");
     EXPECT_EQ(service_.text("MainStream.1.Status"), "Disabled");
+    EXPECT_FALSE(stream().isEnabled());
 }
 
-TEST_F(AcsWritesInTheMiddleTest, ATotalResetIsDoneByTheNextCycle) {
-    writeInTheMiddle("MainStream.1.Total.Reset", "1");
-    const NSTime written = NSTime::nowRelative();
-    service_.cycle();
-    EXPECT_EQ(service_.text("MainStream.1.Total.Reset"), "0");
-    EXPECT_GE(service_.monitoring.mainStream(1)->resetTime(), written);
+TEST_F(AcsWritesInTheMiddleTest, ATotalResetIsDoneByTheSameCycleAndReadsZero) {
+    for (const char* trigger : {"1", "-5"}) {
+        const NSTime before = NSTime::nowRelative();
+        cycleWith("MainStream.1.Total.Reset", trigger);
+        EXPECT_EQ(service_.text("MainStream.1.Total.Reset"), "0");
+        EXPECT_GE(stream().resetTime(), before);
+    }
 }
 
-TEST_F(AcsWritesInTheMiddleTest, ASecondResetIsNotTakenForTheFirst) {
+TEST_F(AcsWritesInTheMiddleTest, ASecondResetIsDoneToo) {
     service_.write("MainStream.1.Total.Reset", "1");
-    writeInTheMiddle("MainStream.1.Total.Reset", "1");
-    const NSTime written = NSTime::nowRelative();
+    NSTime written;
+    service_.monitoring.inTheMiddle = [&] {
+        written = NSTime::nowRelative();
+        EXPECT_TRUE(service_.write("MainStream.1.Total.Reset", "1"));
+    };
     service_.cycle();
     EXPECT_EQ(service_.text("MainStream.1.Total.Reset"), "0");
-    EXPECT_GE(service_.monitoring.mainStream(1)->resetTime(), written);
+    EXPECT_GE(stream().resetTime(), written);
+}
+
+TEST_F(AcsWritesInTheMiddleTest, ASetterIsNotUndoneByWhatWasPublishedBefore) {
+    service_.monitoring.setMainStreamEnable(true, 1);
+    service_.monitoring.store();
+    EXPECT_EQ(service_.text("MainStream.1.Enable"), "1");
+    service_.cycle();
+    EXPECT_EQ(service_.text("MainStream.1.Status"), "Enabled");
 }
 
 TEST_F(AcsWritesInTheMiddleTest, SamplingIsSwitchedByTheNextCycle) {
-    writeInTheMiddle("SampleEnable", "1");
+    cycleWith("SampleEnable", "1");
+    EXPECT_EQ(service_.text("SampleEnable"), "1");
     EXPECT_EQ(service_.text("SampleState"), "Disabled");
     service_.cycle();
     EXPECT_EQ(service_.text("SampleEnable"), "1");
@@ -85,27 +104,39 @@ TEST_F(AcsWritesInTheMiddleTest, TheIntervalIsTakenByTheNextCycle) {
     EXPECT_EQ(service.text("SampleState"), "Enabled");
 }
 
-TEST(AcsWritesBeforeTheFirstPublicationTest, AnEnableThatIsThereAlreadyIsNotUndone) {
+TEST(AcsWritesBeforeTheFirstPublicationTest, AnEnableThatIsThereAlreadyIsPublished) {
     Service service;
     service.monitoring.inTheMiddle = [&] { service.put("MainStream.1.Enable", TR::Value(1)); };
     service.cycle();
     EXPECT_EQ(service.text("MainStream.1.Enable"), "1");
     EXPECT_TRUE(service.value("MainStream.1.Enable").isMutableByUser());
-    service.cycle();
     EXPECT_EQ(service.text("MainStream.1.Status"), "Enabled");
 }
 
 TEST(AcsWritesBeforeTheFirstPublicationTest, AResetThatIsThereAlreadyIsDone) {
     Service service;
-    service.monitoring.inTheMiddle = [&] { service.put("MainStream.1.Total.Reset", TR::Value(1)); };
-    service.cycle();
-    EXPECT_EQ(service.text("MainStream.1.Total.Reset"), "1");
-    EXPECT_TRUE(service.value("MainStream.1.Total.Reset").isMutableByUser());
+    NSTime written;
+    service.monitoring.inTheMiddle = [&] {
+        written = NSTime::nowRelative();
+        service.put("MainStream.1.Total.Reset", TR::Value(1));
+    };
     service.cycle();
     EXPECT_EQ(service.text("MainStream.1.Total.Reset"), "0");
+    EXPECT_TRUE(service.value("MainStream.1.Total.Reset").isMutableByUser());
+    EXPECT_GE(service.monitoring.mainStream(1)->resetTime(), written);
 }
 
-/// The ACS on a thread of its own. Each time it is asked, it writes once, after an uncertain while.
+TEST(AcsWritesBeforeTheFirstPublicationTest, ATextInPlaceOfANumberIsReplaced) {
+    Service service;
+    service.put("MainStream.1.Enable", TR::Value(std::string("1")));
+    service.monitoring.inTheMiddle = [&] {
+        service.put("MainStream.1.Enable", TR::Value(std::string("2")));
+    };
+    service.cycle();
+    EXPECT_EQ(service.value("MainStream.1.Enable"), TR::Value(0LL));
+}
+
+/// The ACS on its own thread. Each time it is asked, it writes once, after an uncertain while.
 class Acs {
   public:
     explicit Acs(Service& service) : service_(service) {}

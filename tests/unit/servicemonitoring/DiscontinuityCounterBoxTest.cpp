@@ -73,7 +73,7 @@ TEST_F(DiscontinuityCounterTest, ItMayWrapNearTwoToThe31st) {
     EXPECT_EQ(totalAfter("-2147483640"), "2147483655");
 }
 
-TEST_F(DiscontinuityCounterTest, BeyondTheRangeItIsNoReading) {
+TEST_F(DiscontinuityCounterTest, BeyondTheRangeItIsIgnored) {
     enable();
     EXPECT_EQ(totalAfter("2147483647"), "2147483647");
     EXPECT_EQ(totalAfter("2147483648"), "2147483647");
@@ -82,7 +82,7 @@ TEST_F(DiscontinuityCounterTest, BeyondTheRangeItIsNoReading) {
     EXPECT_EQ(totalAfter("2147483647"), "2147483647");
 }
 
-TEST_F(DiscontinuityCounterTest, MissingItIsNoReadingAndSaysSo) {
+TEST_F(DiscontinuityCounterTest, MissingItIsIgnoredAndLogged) {
     enable();
     EXPECT_EQ(totalAfter("10"), "10");
     std::filesystem::remove(kCounter);
@@ -92,7 +92,7 @@ TEST_F(DiscontinuityCounterTest, MissingItIsNoReadingAndSaysSo) {
     EXPECT_EQ(totalAfter("13"), "13");
 }
 
-TEST_F(DiscontinuityCounterTest, WithoutANumberItIsNoReading) {
+TEST_F(DiscontinuityCounterTest, WithoutANumberItIsIgnored) {
     enable();
     EXPECT_EQ(totalAfter("10"), "10");
     for (const char* content : {"", "none", "\xff\xfe", "-"}) {

@@ -200,7 +200,7 @@ TEST_F(SampleIntervalTest, TenBeginsTenZeroSamplesAndTheReportAtTheHour) {
     EXPECT_EQ(text(kSampleLists[0]), "0, 0, 0, 0, 0, 0, 0, 0, 0, 0");
 }
 
-TEST_F(SampleIntervalTest, AnotherIntervalBeginsAnewAndTheSameDoesNot) {
+TEST_F(SampleIntervalTest, AnotherIntervalRestartsTheSamplesAndTheSameDoesNot) {
     writeAndCycle("SampleInterval", "10");
     expectReportRestarts(TimeUnit::Minute, [&] { writeAndCycle("SampleEnable", "1"); });
     const std::string start = text("ReportStartTime");
@@ -278,7 +278,7 @@ TEST_F(SampleEnableTest, TheSetterKeepsTheSameRules) {
 using ReportSamplesTest = ServiceMonitoringTest;
 
 TEST_F(ReportSamplesTest, TheListsHaveExactlyThatManyItems) {
-    for (const unsigned count : {10u, 3u, 1u, 0u, 100u, 101u, 1000u, 10u}) {
+    for (const unsigned count : {10u, 3u, 1u, 0u, 100u, 101u, 10001u, 10u}) {
         service_.put("ReportSamples", Value(count));
         service_.cycle();
         expectSamples(count);
@@ -318,21 +318,14 @@ TEST_F(ReportSamplesTest, OutsideOneToOneHundredTheyKeepSamplingFromBeingSwitche
     }
 }
 
-TEST_F(ReportSamplesTest, ANegativeNumberIsNoSamples) {
-    service_.put("ReportSamples", Value(-5));
-    service_.cycle();
-    expectSamples(0);
-}
-
-TEST_F(ReportSamplesTest, AnAbsurdNumberDoesNotTakeTheMemory) {
-    for (const long long count : {4294967296LL, std::numeric_limits<long long>::max()}) {
+TEST_F(ReportSamplesTest, ANegativeNumberMeansNoSamples) {
+    for (const long long count : {-5LL, std::numeric_limits<long long>::min()}) {
+        service_.put("ReportSamples", Value(1));
+        service_.cycle();
         service_.put("ReportSamples", Value(count));
         service_.cycle();
-        expectSamples(10000);
+        expectSamples(0);
     }
-    service_.put("ReportSamples", Value(std::numeric_limits<long long>::min()));
-    service_.cycle();
-    expectSamples(0);
 }
 
 TEST_F(ReportSamplesTest, TheAcsCannotWriteThem) {
@@ -347,7 +340,7 @@ TEST_F(ReportSamplesTest, TheSetterActsOnlyOnMoreThanTheSettingAndLeavesTheSetti
         expectSamples(10);
     }
     // Each compares with the setting, not with the samples there are: the second one cuts.
-    for (const unsigned count : {14u, 12u}) {
+    for (const unsigned count : {10001u, 12u}) {
         service_.monitoring.setReportSamples(count);
         service_.monitoring.store();
         expectSamples(count);
@@ -355,12 +348,6 @@ TEST_F(ReportSamplesTest, TheSetterActsOnlyOnMoreThanTheSettingAndLeavesTheSetti
     EXPECT_EQ(text("ReportSamples"), "10");
     service_.cycle();
     expectSamples(10);
-}
-
-TEST_F(ReportSamplesTest, TheSetterDoesNotTakeTheMemoryEither) {
-    service_.monitoring.setReportSamples(std::numeric_limits<std::uint32_t>::max());
-    service_.monitoring.store();
-    expectSamples(10000);
 }
 
 using MainStreamSettingsTest = ServiceMonitoringTest;
