@@ -1,8 +1,8 @@
 #pragma once
 
-namespace TR {
+#include "model/Storage.h"
 
-class Storage;
+namespace TR {
 
 /// A branch of the tree and where its values come from. The worker thread makes, refreshes and
 /// destroys every provider; no other thread uses one. The store is borrowed and outlives

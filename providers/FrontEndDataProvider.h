@@ -62,10 +62,9 @@ class FrontEndDataProvider : public BaseDataProvider {
     bool store() override;
 
   private:
-    // The caller of these holds the store mutex.
-    void publishObjects();
-    void removePublishedGroups();
-    void publishGroups();
+    void publishObjects() KELM_REQUIRES(storage()->getStorageMutex());
+    void removePublishedGroups() KELM_REQUIRES(storage()->getStorageMutex());
+    void publishGroups() KELM_REQUIRES(storage()->getStorageMutex());
 
     FrontEnd frontEnd_;
 };

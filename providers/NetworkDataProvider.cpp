@@ -59,32 +59,31 @@ bool NetworkDataProvider::load() {
 bool NetworkDataProvider::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
-    NetworkTree tree(*storage());
-    takeOverAliases(tree);
-    publish(tree);
+    takeOverAliases();
+    publish();
     return true;
 }
 
 // The ACS writes into the store, at a number, but means the interface that has this number now. So
 // aliases are read back, by name, before an interface that has come moves the numbers.
-void NetworkDataProvider::takeOverAliases(const NetworkTree& tree) {
-    for (const auto& [name, alias] : tree.aliases()) {
+void NetworkDataProvider::takeOverAliases() {
+    for (const auto& [name, alias] : NetworkTree::aliases(*storage())) {
         const auto known = interfaces_.find(name);
         if (known != interfaces_.end()) known->second.alias = alias;
     }
 }
 
-void NetworkDataProvider::publish(NetworkTree& tree) const {
-    tree.publishRoots();
+void NetworkDataProvider::publish() const {
+    NetworkTree::publishRoots(*storage());
     unsigned position = 0;
     const Interface* wireless = nullptr;
     for (const auto& [name, interface] : interfaces_) {
-        tree.publishInterface(++position, interface);
+        NetworkTree::publishInterface(*storage(), ++position, interface);
         if (isWireless(name)) wireless = &interface;
     }
     // All wireless interfaces share one branch. The last one by name has it for good: if each wrote
     // it in turn, every refresh would look like a change.
-    if (wireless != nullptr) tree.publishWiFi(*wireless);
+    if (wireless != nullptr) NetworkTree::publishWiFi(*storage(), *wireless);
 }
 
 void NetworkDataProvider::filterInterfaces() {

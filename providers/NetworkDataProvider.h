@@ -11,8 +11,6 @@
 
 namespace TR {
 
-class NetworkTree;
-
 /// `Device.IP.Interface.` and `Device.Ethernet.Interface.`: the box's wired and wireless interfaces
 /// with their statistics, and of the wireless ones the WiFi settings and the link. An interface
 /// once seen keeps its place and alias when it vanishes, so that the others keep their numbers. The
@@ -113,9 +111,8 @@ class NetworkDataProvider : public BaseDataProvider {
                          const NetworkLinks& before);
     void updateVanished(Interface& interface);
     void updateWiFi(Interface& interface);
-    // The caller of these two holds the store mutex.
-    void takeOverAliases(const NetworkTree& tree);
-    void publish(NetworkTree& tree) const;
+    void takeOverAliases() KELM_REQUIRES(storage()->getStorageMutex());
+    void publish() const KELM_REQUIRES(storage()->getStorageMutex());
 
     NetworkLinks links_;  // of the latest load
     std::map<std::string, Interface> interfaces_;

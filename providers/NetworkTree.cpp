@@ -1,13 +1,12 @@
 #include "providers/NetworkTree.h"
 
-#include "model/Storage.h"
 #include "stb/src/common/Text.h"
 
-namespace TR {
+namespace TR::NetworkTree {
 
 namespace {
 
-using Stats = NetworkDataProvider::Interface::Stats;
+using Stats = Interface::Stats;
 
 constexpr char kIpInterfaces[] = "Device.IP.Interface.";
 constexpr char kEthernetInterfaces[] = "Device.Ethernet.Interface.";
@@ -47,87 +46,96 @@ std::uint64_t secondsSince(const NSTime& start) {
     return static_cast<std::uint64_t>((NSTime::nowRelative() - start).toTimeT());
 }
 
+void set(Storage& storage, const std::string& path, const Value& value)
+    KELM_REQUIRES(storage.getStorageMutex()) {
+    storage.set(Address(path), value);
+}
+
+void setNumber(Storage& storage, const std::string& path, std::uint64_t number)
+    KELM_REQUIRES(storage.getStorageMutex()) {
+    set(storage, path, Value(static_cast<long long>(number)));
+}
+
+void publishIpParameters(Storage& storage, const std::string& branch, const Interface& interface)
+    KELM_REQUIRES(storage.getStorageMutex()) {
+    Value alias(interface.alias);
+    alias.setMutableByUser(true);
+    setNumber(storage, branch + "Enable", interface.enable ? 1 : 0);
+    set(storage, branch + "Name", Value(interface.name));
+    setNumber(storage, branch + "IPv4AddressNumberOfEntries",
+              interface.ipv4Address.empty() ? 0 : 1);
+    set(storage, branch + "IPv4Address.1.IPAddress", Value(interface.ipv4Address));
+    set(storage, branch + "IPv4Address.1.SubnetMask", Value(interface.subnetMask));
+    set(storage, branch + "Status", Value(Interface::statusToString(interface.status)));
+    set(storage, branch + "Alias", alias);
+    setNumber(storage, branch + "LastChange", secondsSince(interface.lastChange));
+}
+
+void publishEthernetParameters(Storage& storage, const std::string& branch,
+                               const Interface& interface)
+    KELM_REQUIRES(storage.getStorageMutex()) {
+    setNumber(storage, branch + "Enable", interface.enable ? 1 : 0);
+    set(storage, branch + "Name", Value(interface.name));
+    set(storage, branch + "Status", Value(Interface::statusToString(interface.status)));
+    set(storage, branch + "LowerLayers", Value(std::string()));  // an Ethernet interface has none
+    setNumber(storage, branch + "Upstream",
+              1);  // every interface of an end device points to the network
+    set(storage, branch + "MACAddress", Value(interface.hardwareAddress));
+    setNumber(storage, branch + "MaxBitRate", interface.maxBitRate);
+    set(storage, branch + "DuplexMode", Value(Interface::duplexModeToString(interface.duplexMode)));
+    setNumber(storage, branch + "LastChange", secondsSince(interface.lastChange));
+}
+
+void publishStats(Storage& storage, const std::string& branch, const Stats& stats)
+    KELM_REQUIRES(storage.getStorageMutex()) {
+    for (const StatsRow& row : kStatsRows) setNumber(storage, branch + row.name, stats.*row.figure);
+}
+
 }  // namespace
 
-std::map<std::string, std::string> NetworkTree::aliases() const {
+std::map<std::string, std::string> aliases(Storage& storage) {
     std::map<std::string, std::string> aliases;
     for (unsigned position = 1;; ++position) {
         const std::string branch = instance(kIpInterfaces, position);
         // A copy, because asking the store for an entry would make one.
-        const Value name = storage_.getValueCopy(Address(branch + "Name"));
+        const Value name = storage.getValueCopy(Address(branch + "Name"));
         if (name.getType() != Value::Type::String) return aliases;
         // The first one wins: should the same name stand again further on, that one is stale.
         aliases.emplace(name.getString(),
-                        storage_.getValueCopy(Address(branch + "Alias")).getString());
+                        storage.getValueCopy(Address(branch + "Alias")).getString());
     }
 }
 
-void NetworkTree::publishRoots() {
-    for (const char* path : kRoots) set(path, Value::Object());
+void publishRoots(Storage& storage) {
+    for (const char* path : kRoots) set(storage, path, Value::Object());
 }
 
-void NetworkTree::publishInterface(unsigned position, const Interface& interface) {
+void publishInterface(Storage& storage, unsigned position, const Interface& interface) {
     const std::string ip = instance(kIpInterfaces, position);
     const std::string ethernet = instance(kEthernetInterfaces, position);
     for (const std::string& path : {ip, ip + "Stats.", ethernet, ethernet + "Stats."})
-        set(path, Value::Object());
-    publishIpParameters(ip, interface);
-    publishEthernetParameters(ethernet, interface);
-    publishStats(ip + "Stats.", interface.stats);
-    publishStats(ethernet + "Stats.", interface.stats);
+        set(storage, path, Value::Object());
+    publishIpParameters(storage, ip, interface);
+    publishEthernetParameters(storage, ethernet, interface);
+    publishStats(storage, ip + "Stats.", interface.stats);
+    publishStats(storage, ethernet + "Stats.", interface.stats);
 }
 
-void NetworkTree::publishIpParameters(const std::string& branch, const Interface& interface) {
-    Value alias(interface.alias);
-    alias.setMutableByUser(true);
-    setNumber(branch + "Enable", interface.enable ? 1 : 0);
-    set(branch + "Name", Value(interface.name));
-    setNumber(branch + "IPv4AddressNumberOfEntries", interface.ipv4Address.empty() ? 0 : 1);
-    set(branch + "IPv4Address.1.IPAddress", Value(interface.ipv4Address));
-    set(branch + "IPv4Address.1.SubnetMask", Value(interface.subnetMask));
-    set(branch + "Status", Value(Interface::statusToString(interface.status)));
-    set(branch + "Alias", alias);
-    setNumber(branch + "LastChange", secondsSince(interface.lastChange));
-}
-
-void NetworkTree::publishEthernetParameters(const std::string& branch, const Interface& interface) {
-    setNumber(branch + "Enable", interface.enable ? 1 : 0);
-    set(branch + "Name", Value(interface.name));
-    set(branch + "Status", Value(Interface::statusToString(interface.status)));
-    set(branch + "LowerLayers", Value(std::string()));  // an Ethernet interface has none
-    setNumber(branch + "Upstream", 1);  // every interface of an end device points to the network
-    set(branch + "MACAddress", Value(interface.hardwareAddress));
-    setNumber(branch + "MaxBitRate", interface.maxBitRate);
-    set(branch + "DuplexMode", Value(Interface::duplexModeToString(interface.duplexMode)));
-    setNumber(branch + "LastChange", secondsSince(interface.lastChange));
-}
-
-void NetworkTree::publishStats(const std::string& branch, const Stats& stats) {
-    for (const StatsRow& row : kStatsRows) setNumber(branch + row.name, stats.*row.figure);
-}
-
-void NetworkTree::publishWiFi(const Interface& interface) {
+void publishWiFi(Storage& storage, const Interface& interface) {
     const std::string vendor = kVendorBranch;
     const std::string config = vendor + "Config.WiFiConfig.";
     const std::string status = vendor + "WiFiStatus.";
     for (const std::string& path : {vendor, vendor + "Config.", config, status})
-        set(path, Value::Object());
-    set(config + "SSID", Value(interface.wiFiConfig.ssid));
-    set(config + "WPAPassphrase", Value(interface.wiFiConfig.wpaPassphrase));
-    set(config + "WEPPassphrase", Value(interface.wiFiConfig.wepPassphrase));
-    set(status + "SSID", Value(interface.wiFiStatus.ssid));
-    set(status + "BitRate", Value(static_cast<long long>(interface.wiFiStatus.bitRate)));
-    set(status + "BSSID", Value(interface.wiFiStatus.bssid));
-    set(status + "Frequency", Value(static_cast<long long>(interface.wiFiStatus.frequency)));
-    set(status + "Signal", Value(static_cast<long long>(interface.wiFiStatus.signal)));
+        set(storage, path, Value::Object());
+    set(storage, config + "SSID", Value(interface.wiFiConfig.ssid));
+    set(storage, config + "WPAPassphrase", Value(interface.wiFiConfig.wpaPassphrase));
+    set(storage, config + "WEPPassphrase", Value(interface.wiFiConfig.wepPassphrase));
+    set(storage, status + "SSID", Value(interface.wiFiStatus.ssid));
+    set(storage, status + "BitRate", Value(static_cast<long long>(interface.wiFiStatus.bitRate)));
+    set(storage, status + "BSSID", Value(interface.wiFiStatus.bssid));
+    set(storage, status + "Frequency",
+        Value(static_cast<long long>(interface.wiFiStatus.frequency)));
+    set(storage, status + "Signal", Value(static_cast<long long>(interface.wiFiStatus.signal)));
 }
 
-void NetworkTree::set(const std::string& path, const Value& value) {
-    storage_.set(Address(path), value);
-}
-
-void NetworkTree::setNumber(const std::string& path, std::uint64_t number) {
-    set(path, Value(static_cast<long long>(number)));
-}
-
-}  // namespace TR
+}  // namespace TR::NetworkTree

@@ -19,8 +19,8 @@ class StaticDataProvider : public BaseDataProvider {
     bool store() override;
 
   private:
-    /// The caller holds the store mutex.
-    void setupFileParameter(const std::string& path, const std::string& file);
+    void setupFileParameter(const std::string& path, const std::string& file)
+        KELM_REQUIRES(storage()->getStorageMutex());
 };
 
 }  // namespace TR

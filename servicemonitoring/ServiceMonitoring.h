@@ -70,8 +70,7 @@ class ServiceMonitoring : public BaseDataProvider {
     void switchSampling(bool enable);
     void restartReport(Utils::TimeUnit unit);
 
-    /// The caller holds the store mutex.
-    void adoptLateWrites();
+    void adoptLateWrites() KELM_REQUIRES(storage()->getStorageMutex());
 
     bool sampleEnable_ = false;
     std::uint32_t sampleState_ = 0;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "model/Address.h"
-#include "model/Value.h"
+#include "model/Storage.h"
 #include "servicemonitoring/STBServiceMonitoringModel.h"
 #include "stb/src/common/NSTime.h"
 
@@ -9,8 +8,6 @@
 #include <string>
 
 namespace TR {
-
-class Storage;
 
 /// How service monitoring looks in the tree: names, texts and the main stream. A caller that
 /// publishes holds the store mutex.
@@ -41,9 +38,10 @@ Value sampleStateText(std::uint32_t state);
 Value timeText(const NSTime& time);
 
 /// The object nodes of the service and its main stream.
-void publishObjects(Storage& storage);
+void publishObjects(Storage& storage) KELM_REQUIRES(storage.getStorageMutex());
 /// The main stream's settings, totals and sample lists. The reset trigger reads 0.
-void publishMainStream(Storage& storage, const STBServiceMonitoringModel::MainStream& stream);
+void publishMainStream(Storage& storage, const STBServiceMonitoringModel::MainStream& stream)
+    KELM_REQUIRES(storage.getStorageMutex());
 
 }  // namespace ServiceMonitoringTree
 

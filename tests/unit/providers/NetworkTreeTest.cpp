@@ -58,18 +58,17 @@ class NetworkTreeTest : public ::testing::Test {
     }
 
     TR::Storage storage_;
-    TR::NetworkTree tree_{storage_};
 };
 
 TEST_F(NetworkTreeTest, TheRootsAreFourObjects) {
-    tree_.publishRoots();
+    TR::NetworkTree::publishRoots(storage_);
     EXPECT_EQ(paths(), (std::set<std::string>{"Device.IP.", "Device.IP.Interface.",
                                               "Device.Ethernet.", "Device.Ethernet.Interface."}));
     for (const std::string& path : paths()) EXPECT_EQ(typeAt(path), Value::Type::Object) << path;
 }
 
 TEST_F(NetworkTreeTest, AnInterfaceIsExactlyTheseParameters) {
-    tree_.publishInterface(7, wiredInterface());
+    TR::NetworkTree::publishInterface(storage_, 7, wiredInterface());
     std::set<std::string> expected;
     for (const std::string branch : {"Device.IP.Interface.7.", "Device.Ethernet.Interface.7."}) {
         for (const char* name : {"", "Enable", "Name", "Status", "LastChange", "Stats."})
@@ -85,7 +84,7 @@ TEST_F(NetworkTreeTest, AnInterfaceIsExactlyTheseParameters) {
 }
 
 TEST_F(NetworkTreeTest, TheIpInstanceShowsTheAddress) {
-    tree_.publishInterface(1, wiredInterface());
+    TR::NetworkTree::publishInterface(storage_, 1, wiredInterface());
     const std::string branch = "Device.IP.Interface.1.";
     EXPECT_EQ(at(branch + "Enable"), "1");
     EXPECT_EQ(at(branch + "Name"), "eth0");
@@ -97,7 +96,7 @@ TEST_F(NetworkTreeTest, TheIpInstanceShowsTheAddress) {
 }
 
 TEST_F(NetworkTreeTest, TheEthernetInstanceShowsTheLink) {
-    tree_.publishInterface(1, wiredInterface());
+    TR::NetworkTree::publishInterface(storage_, 1, wiredInterface());
     const std::string branch = "Device.Ethernet.Interface.1.";
     EXPECT_EQ(at(branch + "Enable"), "1");
     EXPECT_EQ(at(branch + "Name"), "eth0");
@@ -110,8 +109,8 @@ TEST_F(NetworkTreeTest, TheEthernetInstanceShowsTheLink) {
 }
 
 TEST_F(NetworkTreeTest, NumbersAndTextsHaveTheirTypes) {
-    tree_.publishInterface(1, wiredInterface());
-    tree_.publishWiFi(Interface("wlan0"));
+    TR::NetworkTree::publishInterface(storage_, 1, wiredInterface());
+    TR::NetworkTree::publishWiFi(storage_, Interface("wlan0"));
     const std::set<std::string> texts = {"Name",  "IPAddress",   "SubnetMask",    "Status",
                                          "Alias", "LowerLayers", "MACAddress",    "DuplexMode",
                                          "SSID",  "BSSID",       "WPAPassphrase", "WEPPassphrase"};
@@ -143,7 +142,7 @@ TEST_F(NetworkTreeTest, EachCounterStandsUnderItsNameInBothInstances) {
                                       &stats.UnicastPacketsSent,
                                       &stats.UnknownProtoPacketsReceived};
     for (std::size_t i = 0; i < std::size(figures); ++i) *figures[i] = 5'000'000'000 + i;
-    tree_.publishInterface(1, interface);
+    TR::NetworkTree::publishInterface(storage_, 1, interface);
     for (std::size_t i = 0; i < std::size(figures); ++i) {
         const std::string name = std::string("Interface.1.Stats.") + kStatsNames[i];
         EXPECT_EQ(at("Device.IP." + name), std::to_string(5'000'000'000 + i)) << name;
@@ -154,7 +153,7 @@ TEST_F(NetworkTreeTest, EachCounterStandsUnderItsNameInBothInstances) {
 TEST_F(NetworkTreeTest, LastChangeIsTheWholeSecondsSinceThen) {
     Interface interface = wiredInterface();
     interface.lastChange = NSTime::nowRelative() - 3'600'900'000LL;
-    tree_.publishInterface(1, interface);
+    TR::NetworkTree::publishInterface(storage_, 1, interface);
     const long long passed = (NSTime::nowRelative() - interface.lastChange).toTimeT();
     for (const char* path :
          {"Device.IP.Interface.1.LastChange", "Device.Ethernet.Interface.1.LastChange"}) {
@@ -165,9 +164,9 @@ TEST_F(NetworkTreeTest, LastChangeIsTheWholeSecondsSinceThen) {
 
 TEST_F(NetworkTreeTest, OnlyTheAliasIsWritableAndNothingIsForcedIntoInforms) {
     for (int round = 0; round < 2; ++round) {
-        tree_.publishRoots();
-        tree_.publishInterface(1, wiredInterface());
-        tree_.publishWiFi(Interface("wlan0"));
+        TR::NetworkTree::publishRoots(storage_);
+        TR::NetworkTree::publishInterface(storage_, 1, wiredInterface());
+        TR::NetworkTree::publishWiFi(storage_, Interface("wlan0"));
         for (const std::string& path : paths()) {
             const Value value = storage_.getValueCopy(Address(path));
             EXPECT_EQ(value.isMutableByUser(), path == "Device.IP.Interface.1.Alias") << path;
@@ -178,7 +177,7 @@ TEST_F(NetworkTreeTest, OnlyTheAliasIsWritableAndNothingIsForcedIntoInforms) {
 }
 
 TEST_F(NetworkTreeTest, AnInterfaceWithoutAnAddressHasNoEntries) {
-    tree_.publishInterface(1, Interface("eth0"));
+    TR::NetworkTree::publishInterface(storage_, 1, Interface("eth0"));
     EXPECT_EQ(at("Device.IP.Interface.1.IPv4AddressNumberOfEntries"), "0");
     EXPECT_EQ(at("Device.IP.Interface.1.IPv4Address.1.IPAddress"), "");
     EXPECT_EQ(at("Device.IP.Interface.1.Status"), "Error");
@@ -192,7 +191,7 @@ TEST_F(NetworkTreeTest, TheWiFiBranchShowsSettingsAndLink) {
     interface.wiFiStatus.frequency = 5180;
     interface.wiFiStatus.signal = -45;
     interface.wiFiStatus.bitRate = 780;
-    tree_.publishWiFi(interface);
+    TR::NetworkTree::publishWiFi(storage_, interface);
     const std::string config = kVendor + "Config.WiFiConfig.";
     const std::string status = kVendor + "WiFiStatus.";
     EXPECT_EQ(paths(),
@@ -211,28 +210,30 @@ TEST_F(NetworkTreeTest, TheWiFiBranchShowsSettingsAndLink) {
 }
 
 TEST_F(NetworkTreeTest, AliasesAreReadBackByInterfaceName) {
-    EXPECT_TRUE(tree_.aliases().empty());
-    tree_.publishInterface(1, Interface("eth0"));
-    tree_.publishInterface(2, Interface("wlan0"));
+    EXPECT_TRUE(TR::NetworkTree::aliases(storage_).empty());
+    TR::NetworkTree::publishInterface(storage_, 1, Interface("eth0"));
+    TR::NetworkTree::publishInterface(storage_, 2, Interface("wlan0"));
     ASSERT_TRUE(storage_[Address("Device.IP.Interface.2.Alias")].setByUser("from the ACS"));
-    EXPECT_EQ(tree_.aliases(), (std::map<std::string, std::string>{{"eth0", "cpe-eth0"},
-                                                                   {"wlan0", "from the ACS"}}));
+    EXPECT_EQ(
+        TR::NetworkTree::aliases(storage_),
+        (std::map<std::string, std::string>{{"eth0", "cpe-eth0"}, {"wlan0", "from the ACS"}}));
 }
 
 TEST_F(NetworkTreeTest, OfANameThatStandsTwiceTheFirstAliasCounts) {
     Interface interface("wlan0");
     interface.alias = "live";
-    tree_.publishInterface(1, interface);
+    TR::NetworkTree::publishInterface(storage_, 1, interface);
     interface.alias = "stale";
-    tree_.publishInterface(2, interface);
-    EXPECT_EQ(tree_.aliases(), (std::map<std::string, std::string>{{"wlan0", "live"}}));
+    TR::NetworkTree::publishInterface(storage_, 2, interface);
+    EXPECT_EQ(TR::NetworkTree::aliases(storage_),
+              (std::map<std::string, std::string>{{"wlan0", "live"}}));
 }
 
 TEST_F(NetworkTreeTest, ReadingAliasesBackMakesNoEntry) {
-    tree_.publishInterface(1, Interface("eth0"));
+    TR::NetworkTree::publishInterface(storage_, 1, Interface("eth0"));
     storage_[Address("Device.IP.Interface.2.Name")];  // somebody asked for it in vain
     const auto before = paths();
-    EXPECT_EQ(tree_.aliases().size(), 1U);
+    EXPECT_EQ(TR::NetworkTree::aliases(storage_).size(), 1U);
     EXPECT_EQ(paths(), before);
 }
 
