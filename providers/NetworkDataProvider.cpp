@@ -121,7 +121,8 @@ std::uint64_t NetworkDataProvider::getInterfaceSpeed(const std::string& name) {
 }
 
 NetworkInterface::WiFiConfig NetworkDataProvider::getWiFiConfig(const std::string& name) {
-    return NetworkText::wiFiConfig(Utils::getFileContents("/var/kelm/network." + name));
+    return NetworkText::wiFiConfig(
+        Utils::getFileContents("/var/kelm/network." + name, 0, Utils::kLargestSetting));
 }
 
 NetworkInterface::WiFiStatus NetworkDataProvider::getWiFiStatus(const std::string& name) {

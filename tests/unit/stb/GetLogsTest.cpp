@@ -11,7 +11,7 @@ namespace {
 
 class GetLogsTest : public testing::Test {
   protected:
-    // The box comes with logs of its own.
+    // The box comes with logs.
     void SetUp() override {
         std::remove("/tmp/syslog");
         for (int rotation = 0; rotation <= 300; ++rotation)
@@ -36,6 +36,17 @@ TEST_F(GetLogsTest, ARotatedLogComesBeforeTheCurrentOne) {
     std::free(logs);
 }
 
+TEST_F(GetLogsTest, TheLengthCountsWhatIsBehindANul) {
+    std::ofstream("/tmp/syslog") << std::string("a\0b", 3);
+    std::size_t length = 0;
+    char* const logs = TR::getLogs(length);
+    EXPECT_EQ(std::string(logs, length), std::string("a\0b", 3));
+    std::free(logs);
+}
+
 TEST_F(GetLogsTest, WithoutAnyLogThereIsNoText) {
     EXPECT_EQ(TR::getLogs(), nullptr);
+    std::size_t length = 1;
+    EXPECT_EQ(TR::getLogs(length), nullptr);
+    EXPECT_EQ(length, 0U);
 }
