@@ -43,7 +43,9 @@ bool RegularFile::close() {
 }
 
 void RegularFile::seek(std::int64_t offset) {
-    lseek(descriptor_, offset, SEEK_SET);
+    if (lseek(descriptor_, offset, SEEK_DATA) >= 0) return;
+    // No data up to the end, or a file system that does not know where its holes are.
+    errno == ENXIO ? lseek(descriptor_, 0, SEEK_END) : lseek(descriptor_, offset, SEEK_SET);
 }
 
 std::size_t RegularFile::read(char* buffer, std::size_t room) {
@@ -61,8 +63,8 @@ std::size_t RegularFile::read(char* buffer, std::size_t room) {
 // content, but never a mixture of the new and the old one. Some file systems report only at the
 // close that the disk is full.
 bool RegularFile::replace(const std::string& content) {
-    seek(0);
-    const bool isWritten = ftruncate(descriptor_, 0) == 0 && writeAll(descriptor_, content);
+    const bool isWritten = ftruncate(descriptor_, 0) == 0 && lseek(descriptor_, 0, SEEK_SET) == 0 &&
+                           writeAll(descriptor_, content);
     return close() && isWritten;
 }
 

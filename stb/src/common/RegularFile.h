@@ -26,7 +26,7 @@ class RegularFile {
     /// sparse file, and a log may grow or be truncated meanwhile.
     std::int64_t sizeHint() const { return sizeHint_; }
 
-    /// The next read() begins at this byte.
+    /// The next read() begins at this byte or, when it lies in a hole, where the next data begin.
     void seek(std::int64_t offset);
 
     /// Reads until the room is full or the file ends; returns the bytes read. An error ends the

@@ -38,6 +38,8 @@ std::vector<LogPart> findParts(const std::string& base, std::size_t most) {
 }
 
 // Returns the bytes really read: the log may have been rotated or truncated since it was measured.
+// It begins with a hole, which is no text, when it was truncated under a writer that goes on at its
+// old place.
 std::size_t readPart(const LogPart& part, char* room) {
     Utils::RegularFile file(part.path);
     if (!file.isOpen()) return 0;
