@@ -188,6 +188,7 @@ std::string DeviceInfoDataProvider::upTime() const {
     return DeviceInfo::upTime(Utils::getFileContent("/proc/uptime"));
 }
 
+// Two calls at the start; NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::string DeviceInfoDataProvider::memoryStatus(std::string key) const {
     return DeviceInfo::memoryStatus(readMemInfo(), key);
 }

@@ -38,8 +38,7 @@ std::vector<LogPart> findParts(const std::string& base, std::size_t most) {
 }
 
 // Returns the bytes really read: the log may have been rotated or truncated since it was measured.
-// It begins with a hole, which is no text, when it was truncated under a writer that goes on at its
-// old place.
+// A log that was truncated under a writer that goes on at its old place begins with a hole.
 std::size_t readPart(const LogPart& part, char* room) {
     Utils::RegularFile file(part.path);
     if (!file.isOpen()) return 0;
