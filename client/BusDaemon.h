@@ -8,9 +8,9 @@
 
 namespace client {
 
-/// The daemon on a session bus, through the binding's proxy. Owns its connection. One call
-/// after the other: the binding crashes over the reply to a call that does not wait. The binding's
-/// exceptions end here: they become Unreachable or Refused.
+/// The daemon on a session bus, through the binding's proxy. Owns its connection. Every call
+/// blocks: the binding crashes over the reply to a call that does not wait. The binding's
+/// exceptions become Unreachable or Refused.
 class BusDaemon : public Daemon {
   public:
     /// Connects to the bus at this address, or to the one that the environment names when it is

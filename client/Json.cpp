@@ -46,7 +46,7 @@ Object parseObject(const std::string& text, std::string& error) {
         return nullptr;
     }
     if (!json_object_is_type(object.get(), json_type_object)) {
-        error = "it is no JSON object";
+        error = "not a JSON object";
         return nullptr;
     }
     return object;
@@ -73,7 +73,7 @@ std::optional<std::map<std::string, std::string>> parseSaved(const std::string& 
     std::map<std::string, std::string> values;
     json_object_object_foreach(object.get(), address, value) {
         if (!json_object_is_type(value, json_type_string)) {
-            error = std::string("the value of \"") + address + "\" is no text";
+            error = std::string("the value of \"") + address + "\" is not a text";
             return std::nullopt;
         }
         values[address] = textOf(value);
@@ -90,7 +90,7 @@ std::string faultOfChangeLine(const std::string& line) {
         if (json_object_object_get_ex(object.get(), key, &member) == 0)
             return std::string("it has no \"") + key + '"';
         if (!json_object_is_type(member, json_type_string))
-            return std::string("\"") + key + "\" is no text";
+            return std::string("\"") + key + "\" is not a text";
     }
     return {};
 }

@@ -43,9 +43,12 @@ bool readMember(json_object* object, const char* key, std::string& text) {
 
 void NotifTable::update() {
     table_.clear();
-    for (const std::string& line : Utils::getFileContents(kNotificationFile, 0)) {
+    std::istringstream lines(Utils::getFileContent(kNotificationFile));
+    for (std::string line; std::getline(lines, line);) {
         NotifEntry entry;
         parseJsonLine(line, entry.parameter, entry.value, entry.notification, entry.type);
+        // Matches nothing, and a file may hold millions of such lines.
+        if (entry.parameter.empty()) continue;
         table_.push_back(std::move(entry));
     }
 }

@@ -45,7 +45,7 @@ Value Storage::getValueCopy(const Address& address) const {
     if (entry == values_.end()) return {};
     const Value& stored = entry->second;
     if (!stored.filePathToStoreValue().empty())
-        return Value(Utils::getFileContent(stored.filePathToStoreValue()));
+        return Value(Utils::getFileContent(stored.filePathToStoreValue(), Utils::kLargestSetting));
     if (!stored.getPathInConfig().empty())
         return Value(Utils::trimRight(Utils::getCmdOutput(kUciGet + stored.getPathInConfig())));
     return stored;

@@ -108,8 +108,7 @@ bool DeviceInfoDataProvider::store() {
     };
     set("UpTime", Value(upTime()));
     set("TemperatureStatus.TemperatureSensor.1.Value", Value(temperatureValue()));
-    // Counted twice a refresh and the second count stands: field figures have always been taken
-    // this way.
+    // Counted twice a refresh, on purpose: the second count stands.
     set("ProcessStatus.ProcessNumberOfEntries", Value(processNumberOfEntries()));
     set("ProcessStatus.ProcessNumberOfEntries", Value(processNumberOfEntries()));
     set("DeviceLog", Value(deviceLog()));
@@ -189,7 +188,8 @@ std::string DeviceInfoDataProvider::upTime() const {
     return DeviceInfo::upTime(Utils::getFileContent("/proc/uptime"));
 }
 
-std::string DeviceInfoDataProvider::memoryStatus(const std::string& key) const {
+// Two calls at the start; NOLINTNEXTLINE(performance-unnecessary-value-param)
+std::string DeviceInfoDataProvider::memoryStatus(std::string key) const {
     return DeviceInfo::memoryStatus(readMemInfo(), key);
 }
 
@@ -211,8 +211,9 @@ std::string DeviceInfoDataProvider::temperatureValue() const {
 
 std::string DeviceInfoDataProvider::deviceLog() const {
     // Logs run to megabytes on a small box: they are escaped straight from the buffer they are in.
-    const std::unique_ptr<char, Free> logs(getLogs());
-    return logs ? Utils::escapeForJson(logs.get()) : std::string();
+    std::size_t length = 0;
+    const std::unique_ptr<char, Free> logs(getLogs(length));
+    return Utils::escapeForJson({logs.get(), length});
 }
 
 }  // namespace TR

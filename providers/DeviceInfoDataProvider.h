@@ -56,7 +56,7 @@ class DeviceInfoDataProvider : public BaseDataProvider {
     std::string modelName() const;
     std::string description() const;
     std::string upTime() const;
-    std::string memoryStatus(const std::string& key) const;
+    std::string memoryStatus(std::string key) const;
     std::string memoryStatusTotal() const;
     std::string memoryStatusFree() const;
     std::string processNumberOfEntries() const;

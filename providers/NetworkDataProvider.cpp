@@ -136,7 +136,8 @@ std::uint64_t NetworkDataProvider::getInterfaceSpeed(const std::string& name) {
 
 NetworkDataProvider::Interface::WiFiConfig NetworkDataProvider::getWiFiConfig(
     const std::string& name) {
-    return NetworkText::wiFiConfig(Utils::getFileContents("/var/kelm/network." + name));
+    return NetworkText::wiFiConfig(
+        Utils::getFileContents("/var/kelm/network." + name, 0, Utils::kLargestSetting));
 }
 
 NetworkDataProvider::Interface::WiFiStatus NetworkDataProvider::getWiFiStatus(

@@ -16,8 +16,7 @@ bool contains(const Addresses& list, const std::string& address) {
     return std::find(list.begin(), list.end(), address) != list.end();
 }
 
-// What a path that is not in the list may be instead; empty when it is an object without anything
-// beneath, which is no fault.
+// What a path that is not in the list may be instead; empty for an object with nothing beneath it.
 std::string faultOf(const std::string& path, const Addresses& all) {
     if (isObject(path) && contains(all, path)) return "";
     const std::string object = path + '.';
@@ -55,7 +54,7 @@ class Reader {
     int status_ = kDone;
 };
 
-// The right end of a long line is no use on a terminal.
+// A terminal shows one line of a long value.
 std::string fitted(const Context& context, const std::string& text, std::size_t taken) {
     if (!context.terminal.isTerminal()) return text;
     const std::size_t columns = context.terminal.size().columns;
@@ -94,7 +93,7 @@ std::string reasonNotToSet(client::Daemon& daemon, const std::string& path) {
     return daemon.isWritable(path) ? "" : path + " is read-only";
 }
 
-// What is no object stands for itself.
+// A parameter stands for itself.
 Addresses levelOf(const Addresses& all, const Addresses& paths) {
     if (paths.empty()) return nextLevel(all, {});
     Addresses level;

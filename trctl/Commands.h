@@ -34,7 +34,7 @@ int runCommand(Context& context);
 /// Complains of what was not found, and says what to write instead. The exit status.
 int complainOfUnmatched(Context& context, const Addresses& unmatched);
 
-/// The value, or the reason why the daemon does not say it.
+/// The value, or the reason why the daemon refuses it.
 std::string valueOrReason(client::Daemon& daemon, const std::string& address);
 
 /// A line `address = value`, escaped; \p columns is the room for the address.

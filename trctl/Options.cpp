@@ -18,7 +18,7 @@ constexpr char kFooter[] =
     "A PATH is a parameter (Device.DeviceInfo.UpTime), an object with its point for everything\n"
     "beneath it (Device.IP.), or a shell pattern in quotes ('*.Stats.Bytes*'), in which * also "
     "takes\n"
-    "points. What a terminal would obey is shown as an escape.\n"
+    "points. Control characters are escaped.\n"
     "\n"
     "Exit status: 0; 1 refused, not found or different; 2 a wrong call; 3 no bus or no daemon.\n"
     "\n"
@@ -34,7 +34,7 @@ constexpr char kGetExamples[] =
     "  trctl get Device.IP. '*.Stats.Bytes*'\n"
     "  trctl get --json Device. >saved.json";
 constexpr char kSetExamples[] =
-    "The daemon does not tell whether it took a value, so it is read back.\n"
+    "The daemon does not report whether it took a value, so it is read back.\n"
     "\n"
     "Examples:\n"
     "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost 10.0.0.9\n"
@@ -54,7 +54,7 @@ constexpr char kInfoExamples[] =
     "  trctl info Device.DeviceInfo.UpTime\n"
     "  trctl info 'Device.DeviceInfo.*Version'";
 constexpr char kWatchExamples[] =
-    "Looks again and again until Ctrl-C, as the daemon tells nobody of changes by itself.\n"
+    "Looks again and again until Ctrl-C, as the daemon has no signal for changes.\n"
     "\n"
     "Examples:\n"
     "  trctl watch\n"

@@ -11,7 +11,7 @@ namespace trctl {
 /// How a program ends.
 constexpr int kDone = 0;
 constexpr int kRefused = 1;      ///< refused, not found, different
-constexpr int kUsage = 2;        ///< a wrong call, or a file that is none of ours
+constexpr int kUsage = 2;        ///< a wrong call, or a file that `diff` cannot use
 constexpr int kUnreachable = 3;  ///< no bus, no daemon
 
 /// What the command line asks for; each command looks at its own.
@@ -32,7 +32,7 @@ struct Options {
 };
 
 /// Nothing when the program is to end at once with \p status: help was printed, or the call is
-/// wrong, which standard error tells.
+/// wrong, and standard error says why.
 std::optional<Options> parseOptions(int argc, const char* const* argv, int& status);
 
 }  // namespace trctl

@@ -12,8 +12,15 @@
 namespace trctl {
 
 namespace {
-constexpr std::size_t kPiece = std::size_t{64} << 10U;
+
+// SIGPIPE is ignored, so that a reader that has gone shows as an error.
+void checkWritten(bool isWritten) {
+    if (isWritten) return;
+    if (errno == EPIPE) _exit(EXIT_SUCCESS);
+    throw std::system_error(errno, std::generic_category(), "standard output");
 }
+
+}  // namespace
 
 void Output::line(std::string_view text) {
     print(text);
@@ -21,22 +28,11 @@ void Output::line(std::string_view text) {
 }
 
 void Output::print(std::string_view text) {
-    gathered_ += text;
-    if (gathered_.size() >= kPiece) flush();
+    checkWritten(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
 }
 
 void Output::flush() {
-    std::string_view rest = gathered_;
-    while (!rest.empty()) {
-        const ssize_t written = write(STDOUT_FILENO, rest.data(), rest.size());
-        if (written >= 0)
-            rest.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno == EPIPE)
-            _exit(EXIT_SUCCESS);
-        else if (errno != EINTR)
-            throw std::system_error(errno, std::generic_category(), "standard output");
-    }
-    gathered_.clear();
+    checkWritten(std::fflush(stdout) == 0);
 }
 
 void complain(std::string_view text) {

@@ -1,26 +1,21 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 namespace trctl {
 
-/// Standard output, gathered and written in large pieces. When its reader has gone the program ends
-/// at once and in silence, with status 0, as he has what he wanted. Any other failing write throws
+/// Standard output. When its reader has gone the program ends at once and
+/// in silence, with status 0, as the reader has what it wanted. Any other failing write throws
 /// std::system_error.
 class Output {
   public:
     Output() = default;
-    ~Output() = default;
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
     void line(std::string_view text);
     void print(std::string_view text);
     void flush();
-
-  private:
-    std::string gathered_;
 };
 
 /// One line on standard error, escaped.

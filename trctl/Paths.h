@@ -5,7 +5,7 @@
 
 namespace trctl {
 
-/// What people name on the command line, found in the daemon's own list: a parameter, an object
+/// What people name on the command line, found in the daemon's list: a parameter, an object
 /// with its point (everything beneath it), or a shell pattern, whose `*` also takes points.
 
 using Addresses = std::vector<std::string>;
@@ -22,7 +22,7 @@ Selection select(Addresses listed, const Addresses& paths);
 Selection selectThemselves(Addresses listed, const Addresses& paths);
 
 /// The addresses one level beneath each of these objects, or at the top without any; where more
-/// follows they end with a point. Nothing for a path that is no object's.
+/// follows they end with a point. Nothing for the path of a parameter.
 Addresses nextLevel(Addresses listed, const Addresses& objects);
 
 bool isObject(const std::string& path);

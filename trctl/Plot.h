@@ -12,8 +12,8 @@ namespace trctl {
 /// other text.
 std::optional<double> numberOf(const std::string& text);
 
-/// The latest values of one parameter as a line in a field of characters. A value that is no number
-/// leaves a gap. Keeps as many as any terminal shows.
+/// The latest values of one parameter as a line in a field of characters. A value that is not a
+/// number leaves a gap. Keeps as many as any terminal shows.
 class Plot {
   public:
     enum class Style { Braille, Ascii };

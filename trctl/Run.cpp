@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 
@@ -14,6 +15,8 @@
 namespace trctl {
 
 namespace {
+
+constexpr std::size_t kOutputBytes = std::size_t{64} << 10U;
 
 int runOnBus(const Options& options) {
     const Terminal terminal(options.color);
@@ -52,8 +55,10 @@ void openStandardDescriptors() {
 
 int run(int argc, const char* const* argv) {
     openStandardDescriptors();
-    // The write tells when the reader of a pipe has gone.
+    // A failing write shows when the reader of a pipe has gone.
     std::signal(SIGPIPE, SIG_IGN);
+    // A frame of a plot is one write, and so are thousands of lines.
+    std::setvbuf(stdout, nullptr, _IOFBF, kOutputBytes);
     // Whether the terminal takes UTF-8; numbers stay as they are everywhere.
     std::setlocale(LC_CTYPE, "");  // one thread; NOLINT(concurrency-mt-unsafe)
     try {

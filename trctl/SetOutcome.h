@@ -5,7 +5,7 @@
 namespace trctl {
 
 /// What became of a `set`, judged by what the parameter reads as afterwards, as the daemon's answer
-/// does not tell.
+/// is always empty.
 struct SetOutcome {
     bool isTaken;
     std::string remark;  ///< what people should know; empty when it reads as it was given

@@ -20,7 +20,7 @@ constexpr char kLeave[] = "\x1b[?25h\x1b[?1049l";
 volatile sig_atomic_t onSecondScreen = 0;
 volatile sig_atomic_t resized = 0;
 
-// Safe in a signal handler; a terminal that is gone cannot be mended.
+// Safe in a signal handler; a terminal that is gone cannot be restored.
 void put(const char* text) {
     const int error = errno;
     [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, text, std::strlen(text));
@@ -122,7 +122,7 @@ SecondScreen::SecondScreen() {
     for (const int signal : {SIGTERM, SIGHUP, SIGQUIT}) handle(signal, onEnd, 0);
     handle(SIGTSTP, onEnd, SA_RESTART);
     handle(SIGCONT, onContinue, SA_RESTART);
-    handle(SIGWINCH, onResize, 0);
+    handle(SIGWINCH, onResize, SA_RESTART);  // a wait ends all the same
     onSecondScreen = 1;
     put(kEnter);
 }

@@ -21,7 +21,7 @@ class Terminal {
         std::size_t columns;
         std::size_t rows;
     };
-    /// At this moment; 80 by 24 when it does not tell.
+    /// At this moment; 80 by 24 when it is not known.
     Size size() const;
 
     /// In that colour, where colours are wanted.
@@ -43,7 +43,7 @@ enum class Waited { Elapsed, Resized, ReaderGone };
 Waited waitFor(std::chrono::milliseconds time);
 
 /// From here on SIGINT ends the program at once with status 0, in the middle of a call too, unless
-/// whoever started it had it ignored.
+/// it was started with SIGINT ignored.
 void endOnInterrupt();
 
 /// The terminal's second screen, without a cursor, for as long as the object lives. However the

@@ -121,15 +121,20 @@ std::string escaped(std::string_view text) {
     return line;
 }
 
+// Line ends and blanks between the strings stay.
 std::string escapedJson(std::string_view json) {
     std::string text;
     text.reserve(json.size());
+    bool inString = false;
+    bool isEscape = false;
     eachCharacter(json, [&](const Character& character, std::string_view bytes) {
-        // Line ends and the like stand between strings.
-        if (!character.isValid || (character.code >= 0x20 && isObeyed(character.code)))
+        const bool isControl = character.code < 0x20;
+        if (!character.isValid || (isObeyed(character.code) && (inString || !isControl)))
             text += jsonEscapeOf(character.isValid ? character.code : 0xfffd);
         else
             text += bytes;
+        if (character.code == '"' && !isEscape) inString = !inString;
+        isEscape = inString && character.code == '\\' && !isEscape;
     });
     return text;
 }

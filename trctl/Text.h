@@ -6,15 +6,15 @@
 
 namespace trctl {
 
-/// Texts on their way to a terminal. What comes from the bus may hold anything; what a terminal
-/// would obey is shown as an escape: control characters of both sets, DEL, characters that change
-/// the direction of writing, and bytes that are no UTF-8.
+/// Texts on their way to a terminal. What comes from the bus may hold anything. Escaped are:
+/// control characters of both sets, DEL, characters that change the direction of writing, and bytes
+/// that are not UTF-8.
 
 /// As \n, \x1b or \u202e; a backslash becomes two. The result is always one line.
 std::string escaped(std::string_view text);
 
-/// The same for a text that is JSON already, where these characters stand inside strings only: the
-/// result means the same to a reader of JSON.
+/// The same for a text that is JSON, with JSON's escapes inside its strings: the result means the
+/// same to a reader of JSON.
 std::string escapedJson(std::string_view json);
 
 /// The columns that a terminal takes for it.

@@ -12,8 +12,6 @@ const Strokes kAsciiStrokes = {"|-- ", "`-- ", "|   ", "    "};
 
 namespace {
 
-constexpr int kDeepest = 64;
-
 bool isNumber(const std::string& name) {
     return !name.empty() &&
            std::all_of(
@@ -37,8 +35,8 @@ struct Node {
 };
 
 // "Device.", "IP.", "Status" of Device.IP.Status, one after the other.
-std::string takeName(const std::string& address, std::size_t& at, int level) {
-    const std::size_t point = level < kDeepest ? address.find('.', at) : std::string::npos;
+std::string takeName(const std::string& address, std::size_t& at) {
+    const std::size_t point = address.find('.', at);
     const std::size_t end = point == std::string::npos ? address.size() : point + 1;
     std::string name = address.substr(at, end - at);
     at = end;
@@ -48,8 +46,7 @@ std::string takeName(const std::string& address, std::size_t& at, int level) {
 void insert(Node& top, const Leaf& leaf, std::size_t start) {
     Node* node = &top;
     std::size_t at = start;
-    for (int level = 0; at < leaf.address.size(); ++level)
-        node = &node->children[takeName(leaf.address, at, level)];
+    while (at < leaf.address.size()) node = &node->children[takeName(leaf.address, at)];
     if (leaf.address.back() != '.') node->value = leaf.value;
 }
 

@@ -12,7 +12,7 @@ struct Leaf {
     std::string value;
 };
 
-/// The strokes that a tree is drawn with, three or four columns each.
+/// What a tree is drawn with, four columns each.
 struct Strokes {
     const char* branch;
     const char* lastBranch;
@@ -32,8 +32,7 @@ struct TreeLine {
 };
 
 /// Draws what the addresses have beneath \p root, which ends with a point, or all of them when it
-/// is empty. Numbers are in the order of numbers. Beyond 64 levels a name is the rest of its
-/// address.
+/// is empty. Numbers are in the order of numbers.
 std::vector<TreeLine> drawTree(const std::vector<Leaf>& leaves, const std::string& root,
                                const Strokes& strokes);
 

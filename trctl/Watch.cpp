@@ -88,7 +88,7 @@ std::string headline(const std::string& address, const std::string& value, doubl
            " s, until Ctrl-C";
 }
 
-// Everything is drawn anew, so that nothing of another size is left.
+// Every line is drawn again, so that nothing of another size is left.
 void drawFrame(Context& context, const Plot& plot, const std::string& head) {
     const Terminal::Size size = context.terminal.size();
     const auto style = context.terminal.isUtf8() && !context.options.ascii ? Plot::Style::Braille
@@ -129,7 +129,7 @@ int watchPlot(Context& context) {
     const std::string& address = selection.found.front();
     const std::string value = context.daemon.value(address);
     if (!numberOf(value)) {
-        complain(valueLine(address, shown(value)) + " is no number");
+        complain(valueLine(address, shown(value)) + " is not a number");
         return kRefused;
     }
     runPlot(context, address);

@@ -1,5 +1,6 @@
 #include "bench/cycle/Probes.h"
 
+#include <cstddef>
 #include <cstdio>
 
 #include <pthread.h>
@@ -12,13 +13,13 @@ int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
 int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 FILE* __real_popen(const char* command, const char* mode);
 int __real_pclose(FILE* pipe);
-char* __real__ZN2TR7getLogsEv();
+char* __real__ZN2TR7getLogsERm(std::size_t& length);
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex);
 FILE* __wrap_popen(const char* command, const char* mode);
 int __wrap_pclose(FILE* pipe);
-char* __wrap__ZN2TR7getLogsEv();
+char* __wrap__ZN2TR7getLogsERm(std::size_t& length);
 }
 
 namespace bench {
@@ -66,9 +67,9 @@ int __wrap_pclose(FILE* pipe) {
     return result;
 }
 
-char* __wrap__ZN2TR7getLogsEv() {
+char* __wrap__ZN2TR7getLogsERm(std::size_t& length) {
     const Clock::time_point since = Clock::now();
-    char* const text = __real__ZN2TR7getLogsEv();
+    char* const text = __real__ZN2TR7getLogsERm(length);
     addIfLocked(bench::probes().logs, since);
     return text;
 }

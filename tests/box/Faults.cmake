@@ -55,6 +55,7 @@ foreach(
   CannotBeRead
   HasNoFinalLineFeed
   IsBinary
+  IsASparseGibibyte
   IsTenMegabytes
   ChangesWhileItIsRead
   IsReplacedAgainAndAgain)

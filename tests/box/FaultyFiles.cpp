@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
@@ -46,7 +47,7 @@ void bind(const std::string& source, const std::string& target) {
         throw std::system_error(errno, std::generic_category(), "bind " + target);
 }
 
-// Reads of the own memory's first page fail, for root too.
+// Reads of this process's first page fail, for root too.
 void placeUnreadable(const std::string& path, const std::string&) {
     box::writeFile(path, "");
     bind("/proc/" + std::to_string(getpid()) + "/mem", path);
@@ -104,6 +105,12 @@ const std::vector<FileFailing>& fileFailings() {
          nullptr, true},
         {"IsTenMegabytes",
          [](const std::string& path, const std::string&) { box::writeFile(path, kTenMegabytes); },
+         nullptr, true},
+        {"IsASparseGibibyte",
+         [](const std::string& path, const std::string& content) {
+             box::writeFile(path, content);
+             fs::resize_file(path, std::uintmax_t{1} << 30);
+         },
          nullptr, true},
         {"ChangesWhileItIsRead", box::writeFile,
          [](const std::string& path, const std::string& content) {

@@ -9,8 +9,9 @@
 struct FaultyFile {
     const char* name;
     const char* path;
-    bool isOfTheStart;      ///< read once, not in every cycle or at a call
-    const char* parameter;  ///< what it tells of, when that stays the same from cycle to cycle
+    bool isOfTheStart;  ///< read once, not in every cycle or at a call
+    const char*
+        parameter;  ///< what it is the source of, when that stays the same from cycle to cycle
 };
 const std::vector<FaultyFile>& faultyFiles();
 

@@ -243,6 +243,9 @@ constexpr Hostile kHostile[] = {
     {"Empty", "pack -T /dev/null", "it is none of kelm-trd-snapshot"},
     {"AnotherFormat", "echo 'format 2' >kelm-trd-snapshot/about; pack kelm-trd-snapshot",
      "its format 2 is not known here"},
+    {"EscapesInItsFormat",
+     R"(printf 'format \033[31m2\n' >kelm-trd-snapshot/about; pack kelm-trd-snapshot)",
+     "its format ?[31m2 is not known here"},
     {"OddInterface", R"(mkdir -p kelm-trd-snapshot/commands/1; cd kelm-trd-snapshot/commands/1
         echo 'ip -o link show' >call; echo 0 >status; cd ../../..
         echo '2: eth0: <UP> mtu 1500 link/ether 01:00:00:00:00:01 brd' >kelm-trd-snapshot/commands/1/output

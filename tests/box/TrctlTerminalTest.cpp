@@ -121,7 +121,7 @@ TEST_F(TrctlTerminalTest, APlotWantsATerminalAndOneNumber) {
     EXPECT_TRUE(has(noTerminal.errors, "on a terminal only")) << noTerminal.errors;
     TerminalChild text = onTerminal({"watch", "--plot", "Device.DeviceInfo.Manufacturer"}, {});
     EXPECT_EQ(text.waitForEnd(), (ExitStatus{1, 0}));
-    EXPECT_TRUE(has(text.screen(), "is no number"));
+    EXPECT_TRUE(has(text.screen(), "is not a number"));
     TerminalChild many = onTerminal({"watch", "--plot", "Device.IP."}, {});
     EXPECT_EQ(many.waitForEnd(), (ExitStatus{2, 0}));
 }

@@ -10,7 +10,7 @@
 namespace STBAml {
 namespace {
 
-// Field logs are searched for this place, which does not follow the code.
+// The place that the log line names is fixed; it does not follow the code.
 constexpr const char* kSource = "src/amlogic/STBAml";
 constexpr int kCannotOpenLine = 21;
 
@@ -20,7 +20,7 @@ constexpr std::size_t kSysfsPageBytes = 4096;  // no driver's file is longer
 
 template <>
 std::optional<int> getSys<int>(const std::string& path) {
-    RegularFile file(path);
+    TR::Utils::RegularFile file(path);
     if (!file.isOpen()) {
         STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, kCannotOpenLine, kSource,
                       "Can't open %s", path.c_str());

@@ -1,9 +1,8 @@
 #include "stb/src/common/JsonEscape.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 
 namespace TR::Utils {
 namespace {
@@ -32,23 +31,6 @@ constexpr std::array<char, 256> makeEscapes() {
 // The character after the backslash, or kPlain for a byte that stands for itself.
 constexpr std::array<char, 256> kEscapes = makeEscapes();
 
-constexpr std::ptrdiff_t kWordBytes = sizeof(std::uint64_t);
-constexpr std::uint64_t everyByte(unsigned char byte) {
-    return byte * std::uint64_t{0x0101010101010101};
-}
-
-/// True when no byte of the word needs an escape. Each term sets a byte's top bit for one kind of
-/// such a byte; borrows and carries come from bytes that are such ones themselves.
-bool isPlainWord(const char* bytes) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    const std::uint64_t control = word - everyByte(kFirstPrintable);
-    const std::uint64_t deleteByte = word + everyByte(0x80 - kLastPrintable - 1);
-    const std::uint64_t quote = (word ^ everyByte('"')) - everyByte(1);
-    const std::uint64_t backslash = (word ^ everyByte('\\')) - everyByte(1);
-    return ((word | control | deleteByte | quote | backslash) & everyByte(0x80)) == 0;
-}
-
 void appendEscape(std::string& result, unsigned char byte) {
     constexpr const char* kDigits = "0123456789abcdef";
     const char escape = kEscapes[byte];
@@ -61,26 +43,39 @@ void appendEscape(std::string& result, unsigned char byte) {
     result.append(text, sizeof text);
 }
 
-// A word at a time: the first byte that does not stand for itself, or the end.
-const char* endOfPlainRun(const char* next, const char* end) {
-    while (end - next >= kWordBytes && isPlainWord(next)) next += kWordBytes;
-    while (next != end && kEscapes[static_cast<unsigned char>(*next)] == kPlain) ++next;
-    return next;
+constexpr std::array<unsigned char, 256> makeLengths() {
+    std::array<unsigned char, 256> lengths{};
+    for (std::size_t byte = 0; byte < lengths.size(); ++byte)
+        lengths[byte] = kEscapes[byte] == kPlain ? 1 : kEscapes[byte] == kHex ? 6 : 2;
+    return lengths;
+}
+
+constexpr std::array<unsigned char, 256> kLengths = makeLengths();
+
+std::size_t escapedLength(std::string_view text) {
+    std::size_t length = 0;
+    for (const char byte : text) length += kLengths[static_cast<unsigned char>(byte)];
+    return length;
+}
+
+bool isPlain(char byte) {
+    return kEscapes[static_cast<unsigned char>(byte)] == kPlain;
 }
 
 }  // namespace
 
-// On the way of megabytes of log every few seconds, so plain bytes are found and copied in runs.
+// Megabytes of log pass here every few seconds: plain bytes are copied in runs, and the result
+// takes no more memory than it needs, however many bytes are escaped.
 std::string escapeForJson(std::string_view text) {
     std::string result;
-    result.reserve(text.size() + text.size() / 16);
+    result.reserve(escapedLength(text));
     const char* next = text.data();
     const char* const end = next + text.size();
     while (next != end) {
-        const char* const run = next;
-        next = endOfPlainRun(next, end);
-        result.append(run, static_cast<std::size_t>(next - run));
-        while (next != end && kEscapes[static_cast<unsigned char>(*next)] != kPlain)
+        const char* const special = std::find_if_not(next, end, isPlain);
+        result.append(next, special);
+        next = special;
+        while (next != end && !isPlain(*next))
             appendEscape(result, static_cast<unsigned char>(*next++));
     }
     return result;

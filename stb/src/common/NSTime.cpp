@@ -12,19 +12,16 @@ constexpr std::int64_t kSecond = 1000 * kMillisecond;
 constexpr std::int64_t kMinute = 60 * kSecond;
 constexpr std::int64_t kHour = 60 * kMinute;
 constexpr std::int64_t kDay = 24 * kHour;
-constexpr std::int64_t kWholeValue = INT64_MAX;
 
 struct IntervalPart {
-    std::int64_t modulus;
     std::int64_t unit;
     const char* singular;
     const char* plural;
 };
 
 constexpr IntervalPart kIntervalParts[] = {
-    {kWholeValue, kDay, "day", "days"},    {kDay, kHour, "hour", "hours"},
-    {kHour, kMinute, "minute", "minutes"}, {kMinute, kSecond, "second", "seconds"},
-    {kSecond, kMillisecond, "ms", "ms"},
+    {kDay, "day", "days"},          {kHour, "hour", "hours"},   {kMinute, "minute", "minutes"},
+    {kSecond, "second", "seconds"}, {kMillisecond, "ms", "ms"},
 };
 
 // 0 when the text does not fit the buffer, whose content is then undefined.
@@ -122,8 +119,10 @@ std::string NSTime::dump() const {
 std::string NSTime::printInterval() const {
     if (microseconds_ == 0) return "0";
     std::string text;
+    std::int64_t rest = microseconds_;
     for (const IntervalPart& part : kIntervalParts) {
-        const std::int64_t count = microseconds_ % part.modulus / part.unit;
+        const std::int64_t count = rest / part.unit;
+        rest %= part.unit;
         if (count != 0) {
             text += text.empty() ? "" : ", ";
             text += std::to_string(count) + (count < 2 ? part.singular : part.plural);

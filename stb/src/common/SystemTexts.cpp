@@ -3,57 +3,71 @@
 #include "stb/src/common/Files.h"
 #include "stb/src/common/RegularFile.h"
 
-#include <cstddef>
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 namespace TR {
 namespace {
 
 constexpr int kOldestRotation = 300;
 
-// A growing malloc() text: the caller of joinLogFiles() frees it, and megabytes are read in place
-// instead of being copied. Short of memory it keeps what it has.
-class LogText {
-  public:
-    LogText() = default;
-    LogText(const LogText&) = delete;
-    LogText& operator=(const LogText&) = delete;
-
-    // Only the bytes really read count: a log may be truncated between its measuring and its
-    // reading.
-    void appendFile(const std::string& path) {
-        RegularFile file(path);
-        if (!file.isOpen() || !grow(file.sizeHint())) return;
-        length_ += file.read(text_ + length_, file.sizeHint());
-        text_[length_] = '\0';
-    }
-
-    // Null when no file was found; the caller owns the text.
-    char* text() const { return text_; }
-
-  private:
-    bool grow(std::size_t more) {
-        auto* const larger = static_cast<char*>(std::realloc(text_, length_ + more + 1));
-        if (larger != nullptr) text_ = larger;
-        return larger != nullptr;
-    }
-
-    char* text_ = nullptr;
-    std::size_t length_ = 0;
+struct LogPart {
+    std::string path;
+    std::int64_t offset;  // where to begin
+    std::size_t length;
 };
+
+std::string pathOf(const std::string& base, int rotation) {
+    return rotation < 0 ? base : base + '.' + std::to_string(rotation);
+}
+
+// Newest first, until there are `most` bytes.
+std::vector<LogPart> findParts(const std::string& base, std::size_t most) {
+    std::vector<LogPart> parts;
+    for (int rotation = -1; rotation <= kOldestRotation && most > 0; ++rotation) {
+        const std::string path = pathOf(base, rotation);
+        const Utils::RegularFile file(path);
+        if (!file.isOpen()) continue;
+        const auto length = std::min<std::int64_t>(file.sizeHint(), most);
+        parts.push_back({path, file.sizeHint() - length, static_cast<std::size_t>(length)});
+        most -= parts.back().length;
+    }
+    return parts;
+}
+
+// Returns the bytes really read: the log may have been rotated or truncated since it was measured.
+// A log that was truncated under a writer that goes on at its old place begins with a hole.
+std::size_t readPart(const LogPart& part, char* room) {
+    Utils::RegularFile file(part.path);
+    if (!file.isOpen()) return 0;
+    file.seek(part.offset);
+    return file.read(room, part.length);
+}
 
 }  // namespace
 
-char* joinLogFiles(const std::string& base) {
-    LogText log;
-    for (int rotation = kOldestRotation; rotation >= 0; --rotation)
-        log.appendFile(base + "." + std::to_string(rotation));
-    log.appendFile(base);
-    return log.text();
+char* joinLogFiles(const std::string& base, std::size_t& length, std::size_t most) {
+    length = 0;
+    const std::vector<LogPart> parts = findParts(base, most);
+    std::size_t room = 1;
+    for (const LogPart& part : parts) room += part.length;
+    char* const text = parts.empty() ? nullptr : static_cast<char*>(std::malloc(room));
+    if (text == nullptr) return nullptr;
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part)
+        length += readPart(*part, text + length);
+    text[length] = '\0';
+    return text;
+}
+
+char* getLogs(std::size_t& length) {
+    return joinLogFiles("/tmp/syslog", length);
 }
 
 char* getLogs() {
-    return joinLogFiles("/tmp/syslog");
+    std::size_t length = 0;
+    return getLogs(length);
 }
 
 std::string readMemInfo() {

@@ -1,16 +1,22 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 /// Texts that the system keeps. Nothing here keeps state or takes a lock; any thread may call.
 namespace TR {
 
-/// Joins the rotated files of one log, <base>.300 down to <base>.0, and then <base> itself into one
-/// NUL-terminated text that the caller frees with free(). Null when none of them exists.
-char* joinLogFiles(const std::string& base);
+/// Bytes. Far above any real log.
+constexpr std::size_t kLargestLog = std::size_t{64} << 20;
 
-/// The system logs joined, oldest first; the caller frees the text with free(). Null when there is
-/// no log file.
+/// Joins the rotated files of one log, <base>.300 down to <base>.0, and then <base> itself into one
+/// NUL-terminated text that the caller frees with free(). Of more than \p most bytes the newest are
+/// taken, and the rest is not read; nor is a hole that a file begins with. Null when no file can be
+/// opened, or short of memory. The text may hold NULs: `length` is its true length.
+char* joinLogFiles(const std::string& base, std::size_t& length, std::size_t most = kLargestLog);
+
+/// The system logs joined, oldest first; as joinLogFiles().
+char* getLogs(std::size_t& length);
 char* getLogs();
 
 /// The content of /proc/meminfo.

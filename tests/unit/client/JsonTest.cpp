@@ -65,9 +65,9 @@ TEST(JsonTest, TheReasonNamesTheLine) {
 }
 
 TEST(JsonTest, AValueThatIsNoTextIsRefusedByName) {
-    EXPECT_EQ(errorOf("{\"a\": 1}"), "the value of \"a\" is no text");
-    EXPECT_EQ(errorOf("{\"a\": null}"), "the value of \"a\" is no text");
-    EXPECT_EQ(errorOf("{\"a\": {\"b\": \"c\"}}"), "the value of \"a\" is no text");
+    EXPECT_EQ(errorOf("{\"a\": 1}"), "the value of \"a\" is not a text");
+    EXPECT_EQ(errorOf("{\"a\": null}"), "the value of \"a\" is not a text");
+    EXPECT_EQ(errorOf("{\"a\": {\"b\": \"c\"}}"), "the value of \"a\" is not a text");
 }
 
 TEST(JsonTest, AnEmptyObjectAndATextWithANulAreTaken) {
@@ -85,7 +85,7 @@ TEST(JsonTest, AChangeLineNeedsItsThreeTexts) {
     EXPECT_EQ(faultOfChangeLine(R"({ "parameter": "a", "value": "1" })"),
               "it has no \"notification\"");
     EXPECT_EQ(faultOfChangeLine(R"({ "parameter": "a", "value": 1, "notification": "2" })"),
-              "\"value\" is no text");
+              "\"value\" is not a text");
     for (const char* line : {"", "{", "[]", R"({ "parameter": "a", "value": "say "hi"" })",
                              "{ \"parameter\": \"a\", \"value\": \"two"})
         EXPECT_NE(faultOfChangeLine(line), "") << line;

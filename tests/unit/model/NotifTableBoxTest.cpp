@@ -160,6 +160,14 @@ TEST_F(NotifTableTest, AFifoInThePlaceOfTheFileDoesNotStall) {
     EXPECT_EQ(changes(), "");
 }
 
+TEST_F(NotifTableTest, WhatTheFileHoldsBeyondEightMebibytesIsNotRead) {
+    std::string filler;
+    for (int i = 0; i < 8; ++i) filler += std::string((1U << 20) - 1, 'x') + '\n';
+    load(row("a") + filler + row("b"));
+    table_.tryTriggerNotify(updatesOf({"a", "b"}));
+    EXPECT_EQ(changes(), change("a", "new"));
+}
+
 TEST_F(NotifTableTest, RereadingReplacesTheTable) {
     load(row("a"));
     load(row("b"));

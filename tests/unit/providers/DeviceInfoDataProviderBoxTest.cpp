@@ -198,6 +198,13 @@ TEST_F(DeviceInfoDataProviderTest, TheLogIsTheEscapedOldFileFollowedDirectlyByTh
     EXPECT_EQ(at("DeviceLog"), R"(old \"one\"\nlive\tone\n)");
 }
 
+TEST_F(DeviceInfoDataProviderTest, ANulInTheLogHidesNothing) {
+    box::writeFile("/tmp/syslog.0", std::string("o\0ld\n", 5));
+    box::writeFile("/tmp/syslog", "live");
+    provider_.updateValues();
+    EXPECT_EQ(at("DeviceLog"), R"(o\u0000ld\nlive)");
+}
+
 TEST_F(DeviceInfoDataProviderTest, TheLogStartsWithTheOldestOfThreeHundredAndOneFiles) {
     box::writeFile("/tmp/syslog.301", "never read");
     box::writeFile("/tmp/syslog.300", "oldest,");

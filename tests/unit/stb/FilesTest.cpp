@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -30,8 +32,24 @@ class UtilsFileTest : public testing::Test {
         return path;
     }
 
+    // Costs no room, where the file system knows holes.
+    std::string makeSparseGibibyte(const std::string& beginning) const {
+        const std::string path = folder_.write("sparse", beginning);
+        EXPECT_EQ(truncate(path.c_str(), off_t{1} << 30), 0);
+        return path;
+    }
+
     const TempFolder folder_;
 };
+
+// All bytes that this process has read from any file.
+std::uint64_t bytesRead() {
+    std::ifstream io("/proc/self/io");
+    std::string name;
+    std::uint64_t bytes = 0;
+    io >> name >> bytes;
+    return bytes;
+}
 
 std::ptrdiff_t openDescriptors() {
     using Iterator = std::filesystem::directory_iterator;
@@ -76,7 +94,7 @@ TEST_F(UtilsFileTest, FilesOfProcAreReadToTheirEnd) {
     EXPECT_EQ(maps.back(), '\n');
 }
 
-TEST_F(UtilsFileTest, WhatIsNoReadableFileGivesTheEmptyText) {
+TEST_F(UtilsFileTest, UnreadableFilesGiveTheEmptyText) {
     EXPECT_EQ(getFileContent(folder_.path("missing")), "");
     EXPECT_EQ(getFileContent(folder_.path("")), "");
     EXPECT_EQ(getFileContent(makeFifo()), "");
@@ -99,6 +117,69 @@ TEST_F(UtilsFileTest, AMaximumOfOneGivesOnlyTheFirstLine) {
     EXPECT_EQ(getFileContents(path, 1), Texts{"one"});
     EXPECT_EQ(getFileContents(path, 2), (Texts{"one", "two"}));
     EXPECT_EQ(getFileContents(path, 9), (Texts{"one", "two", "three"}));
+}
+
+TEST_F(UtilsFileTest, BeyondTheBoundNothingIsRead) {
+    const std::string path = folder_.write("bounded", "one\ntwo");
+    EXPECT_EQ(getFileContent(path, 7), "one\ntwo");
+    EXPECT_EQ(getFileContent(path, 6), "one\ntw");
+    EXPECT_EQ(getFileContents(path, 0, 5), (Texts{"one", "t"}));
+    const std::string large(10000, 'x');
+    EXPECT_EQ(getFileContent(folder_.write("large", large), 9000).size(), 9000U);
+}
+
+TEST_F(UtilsFileTest, OfASparseGibibyteOnlyTheBeginningIsRead) {
+    const std::string path = makeSparseGibibyte("first\n");
+    EXPECT_EQ(getFileContent(path, kLargestSetting).size(), std::size_t{1} << 20);
+    EXPECT_EQ(getFileContent(path).size(), std::size_t{8} << 20);
+    EXPECT_EQ(getFileContents(path).front(), "first");
+}
+
+TEST_F(UtilsFileTest, AFirstLineCostsNoMoreThanAFewPages) {
+    const std::string path = makeSparseGibibyte("first\nsecond\n");
+    const std::uint64_t before = bytesRead();
+    if (before == 0) GTEST_SKIP() << "the kernel does not count";
+    EXPECT_EQ(getFileContents(path, 1), Texts{"first"});
+    EXPECT_LT(bytesRead() - before, 100'000U);
+}
+
+TEST_F(UtilsFileTest, AFileThatClaimsMoreThanItHoldsIsReadToItsEnd) {
+    // Of /sys, where every file claims a page.
+    const std::string mode = getFileContent("/sys/kernel/mm/transparent_hugepage/enabled");
+    if (mode.empty()) GTEST_SKIP() << "no such file in /sys";
+    EXPECT_EQ(mode.back(), '\n');
+}
+
+TEST_F(UtilsFileTest, ASettingThatWouldBeReadBackCutIsRefused) {
+    const std::string path = folder_.write("setting", "old");
+    EXPECT_FALSE(setFileContent(path, std::string(kLargestSetting + 1, 'x')));
+    EXPECT_EQ(getFileContent(path), "old");
+    EXPECT_FALSE(setFileContent(folder_.path("new"), std::string(kLargestSetting + 1, 'x')));
+    EXPECT_FALSE(fileExist(folder_.path("new")));
+    const std::string largest(kLargestSetting, 'x');
+    EXPECT_TRUE(setFileContent(path, largest));
+    EXPECT_EQ(getFileContent(path, kLargestSetting), largest);
+}
+
+TEST_F(UtilsFileTest, AnEmptySettingStaysEmptyWhenTheNewOneDoesNotFit) {
+    const std::string path = folder_.write("setting", "");
+    const ChildResult child = runInChild([&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{1000, 1000};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        std::printf("%d", setFileContent(path, std::string(5000, 'x')));
+    });
+    EXPECT_EQ(child.out, "0");
+    EXPECT_TRUE(fileExist(path));
+    EXPECT_EQ(getFileContent(path), "");
+}
+
+TEST_F(UtilsFileTest, EveryNameOfASettingShowsTheNewOne) {
+    const std::string path = folder_.write("setting", "old");
+    const std::string other = folder_.path("hardlink");
+    ASSERT_EQ(link(path.c_str(), other.c_str()), 0);
+    EXPECT_TRUE(setFileContent(path, "new"));
+    EXPECT_EQ(getFileContent(other), "new");
 }
 
 TEST_F(UtilsFileTest, SettingReplacesTheContentAsItStands) {
@@ -132,7 +213,7 @@ TEST_F(UtilsFileTest, AFolderWithContentCannotBeDeletedBySetting) {
     EXPECT_TRUE(fileExist(folder_.path("inside")));
 }
 
-TEST_F(UtilsFileTest, AFifoWithAReaderIsNoFileToWrite) {
+TEST_F(UtilsFileTest, AFifoWithAReaderIsNotWritten) {
     const std::string path = makeFifo();
     const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
     ASSERT_GE(reader, 0);

@@ -78,14 +78,9 @@ TEST(EscapeForJsonTest, RandomTextsFollowTheReference) {
     }
 }
 
-// Plain bytes are found by the word, wherever the text begins in memory.
-TEST(EscapeForJsonTest, EveryByteIsFoundAtEveryPlaceOfAWord) {
-    for (int byte = 0; byte < 256; ++byte) {
-        for (std::size_t place = 0; place < 17; ++place) {
-            std::string text(17, '~');
-            text[place] = static_cast<char>(byte);
-            ASSERT_EQ(escapeForJson(text), reference(text)) << byte << " at " << place;
-            ASSERT_EQ(escapeForJson(std::string_view(text).substr(1)), reference(text.substr(1)));
-        }
+TEST(EscapeForJsonTest, TheResultTakesNoMoreMemoryThanItNeeds) {
+    for (const char byte : {'a', '\n', '\0'}) {
+        const std::string escaped = escapeForJson(std::string(1U << 20, byte));
+        EXPECT_EQ(escaped.capacity(), escaped.size());
     }
 }

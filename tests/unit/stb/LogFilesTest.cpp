@@ -4,23 +4,27 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <string>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
-struct Freer {
-    void operator()(char* text) const { std::free(text); }
-};
-using LogText = std::unique_ptr<char, Freer>;
-
 class LogFilesTest : public testing::Test {
   protected:
-    LogText joined() const { return LogText(TR::joinLogFiles(folder_.path("syslog"))); }
+    // Without a text nothing, with one its bytes.
+    std::optional<std::string> joined(std::size_t most = TR::kLargestLog) const {
+        std::size_t length = 0;
+        char* const text = TR::joinLogFiles(folder_.path("syslog"), length, most);
+        if (text == nullptr) return std::nullopt;
+        std::string bytes(text, length);
+        EXPECT_EQ(text[length], '\0');
+        std::free(text);
+        return bytes;
+    }
 
     const TempFolder folder_;
 };
@@ -28,17 +32,17 @@ class LogFilesTest : public testing::Test {
 }  // namespace
 
 TEST_F(LogFilesTest, WithoutAnyFileThereIsNoText) {
-    EXPECT_EQ(joined(), nullptr);
+    EXPECT_EQ(joined(), std::nullopt);
 }
 
 TEST_F(LogFilesTest, TheCurrentLogAloneIsReturnedAsItStands) {
     folder_.write("syslog", "a line\nhalf a li");
-    EXPECT_STREQ(joined().get(), "a line\nhalf a li");
+    EXPECT_EQ(joined(), "a line\nhalf a li");
 }
 
 TEST_F(LogFilesTest, AnEmptyLogGivesTheEmptyText) {
     folder_.write("syslog", "");
-    EXPECT_STREQ(joined().get(), "");
+    EXPECT_EQ(joined(), "");
 }
 
 TEST_F(LogFilesTest, RotatedFilesComeOldestFirst) {
@@ -49,15 +53,15 @@ TEST_F(LogFilesTest, RotatedFilesComeOldestFirst) {
     folder_.write("syslog.300", "oldest,");
     folder_.write("syslog.301", "beyond,");
     folder_.write("syslog.x", "stranger,");
-    EXPECT_STREQ(joined().get(), "oldest,ten,one,zero,current");
+    EXPECT_EQ(joined(), "oldest,ten,one,zero,current");
 }
 
 TEST_F(LogFilesTest, FoldersAndFifosAreSkipped) {
     std::filesystem::create_directory(folder_.path("syslog.3"));
     ASSERT_EQ(mkfifo(folder_.path("syslog.2").c_str(), 0600), 0);
-    EXPECT_EQ(joined(), nullptr);
+    EXPECT_EQ(joined(), std::nullopt);
     folder_.write("syslog.1", "file");
-    EXPECT_STREQ(joined().get(), "file");
+    EXPECT_EQ(joined(), "file");
 }
 
 TEST_F(LogFilesTest, MegabytesAreReadWhole) {
@@ -65,5 +69,35 @@ TEST_F(LogFilesTest, MegabytesAreReadWhole) {
     const std::string current(2000000, 'c');
     folder_.write("syslog.0", old);
     folder_.write("syslog", current);
-    EXPECT_EQ(joined().get(), old + current);
+    EXPECT_EQ(joined(), old + current);
+}
+
+TEST_F(LogFilesTest, BytesOfEveryValueAreKept) {
+    const std::string old("a\0b\n", 4);
+    const std::string current("\0c\xff\0", 4);
+    folder_.write("syslog.0", old);
+    folder_.write("syslog", current);
+    EXPECT_EQ(joined(), old + current);
+}
+
+TEST_F(LogFilesTest, OfALongLogTheNewestBytesAreTaken) {
+    folder_.write("syslog.2", "oldest,");
+    folder_.write("syslog.1", "older,");
+    folder_.write("syslog.0", "old,");
+    folder_.write("syslog", "current");
+    EXPECT_EQ(joined(24), "oldest,older,old,current");
+    EXPECT_EQ(joined(23), "ldest,older,old,current");
+    EXPECT_EQ(joined(17), "older,old,current");
+    EXPECT_EQ(joined(8), ",current");
+    EXPECT_EQ(joined(3), "ent");
+}
+
+TEST_F(LogFilesTest, OfASparseGibibyteOnlyTheNewestPartIsRead) {
+    const std::string path = folder_.write("syslog.0", "beginning");
+    ASSERT_EQ(truncate(path.c_str(), off_t{1} << 30), 0);
+    folder_.write("syslog", "current");
+    const auto log = joined();
+    ASSERT_TRUE(log);
+    EXPECT_LE(log->size(), std::size_t{64} << 20);
+    EXPECT_EQ(log->substr(log->size() - 7), "current");
 }

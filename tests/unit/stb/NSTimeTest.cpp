@@ -179,3 +179,8 @@ TEST(NSTimeTest, ALongIntervalIsWhole) {
     EXPECT_EQ((atSeconds(4294967296) + 2000).printInterval(),
               "49710days, 6hours, 28minutes, 16seconds, 2ms");
 }
+
+TEST(NSTimeTest, TheLongestIntervalPrintsItsDays) {
+    EXPECT_EQ(NSTime(std::numeric_limits<std::int64_t>::max()).printInterval(),
+              "106751991days, 4hours, 54seconds, 775ms");
+}

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <string>
 
-/// A folder of one test's own, gone with the object.
+/// A folder for one test, removed with the object.
 class TempFolder {
   public:
     TempFolder() : path_((std::filesystem::temp_directory_path() / "kelm-stb-XXXXXX").string()) {

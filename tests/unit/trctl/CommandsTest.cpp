@@ -224,6 +224,14 @@ TEST_F(CommandsTest, ChangesMarksLinesThatTheClientWouldDrop) {
     EXPECT_EQ(output_, "");
 }
 
+TEST_F(CommandsTest, ChangesEscapesTheControlCharactersOfAGoodLine) {
+    daemon_.pending =
+        "{ \"parameter\": \"a\", \"value\": \"\x1b]0;x\x07\r\", \"notification\": \"2\" }\n";
+    EXPECT_EQ(run("changes"), kDone);
+    EXPECT_NE(output_.find(R"("value": "\u001b]0;x\u0007\u000d")"), std::string::npos) << output_;
+    EXPECT_EQ(output_.find('\x1b'), std::string::npos);
+}
+
 TEST_F(CommandsTest, NothingThatIsAskedAddsAnAddress) {
     const auto before = daemon_.addresses();
     const Addresses odd = {"D.Nope", "D.Nope.", "Nope*", "", ".", "D.A", "D.A.Rate.", "[", "\xff"};

@@ -14,7 +14,7 @@ TEST(TextTest, PlainAndForeignLettersStayAsTheyAre) {
         EXPECT_EQ(escaped(text), text);
 }
 
-TEST(TextTest, WhatATerminalWouldObeyIsShownAsAnEscape) {
+TEST(TextTest, ControlCharactersAreEscaped) {
     EXPECT_EQ(escaped("a\nb\r\tc"), "a\\nb\\r\\tc");
     EXPECT_EQ(escaped("\x1b[31mred\x07\x7f"), "\\x1b[31mred\\x07\\x7f");
     EXPECT_EQ(escaped(std::string("a\0b", 3)), "a\\x00b");
@@ -31,7 +31,7 @@ TEST(TextTest, ABackslashOfTheTextCannotBeTakenForAnEscape) {
     EXPECT_EQ(escaped("C:\\new"), "C:\\\\new");
 }
 
-TEST(TextTest, BytesThatAreNoUtf8AreShownOneByOne) {
+TEST(TextTest, BytesThatAreNotUtf8AreEscapedOneByOne) {
     EXPECT_EQ(escaped("a\xFF\xC3"), "a\\xff\\xc3");
     EXPECT_EQ(escaped("\xC0\xAF"), "\\xc0\\xaf");           // overlong
     EXPECT_EQ(escaped("\xED\xA0\x80"), "\\xed\\xa0\\x80");  // half a surrogate
@@ -39,7 +39,7 @@ TEST(TextTest, BytesThatAreNoUtf8AreShownOneByOne) {
     EXPECT_EQ(escaped("\xF4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
 }
 
-TEST(TextTest, EveryTwoBytesGiveALineThatNoTerminalObeys) {
+TEST(TextTest, EveryTwoBytesGiveALineWithoutControlCharacters) {
     for (int i = 0; i < 0x10000; ++i) {
         const std::string text = {static_cast<char>(i >> 8), static_cast<char>(i & 0xff)};
         for (const char c : escaped(text)) {
@@ -54,6 +54,13 @@ TEST(TextTest, JsonKeepsItsMeaningAndItsLines) {
     EXPECT_EQ(escapedJson("\"\x7f\xC2\x85\xE2\x80\xAE\""), "\"\\u007f\\u0085\\u202e\"");
     EXPECT_EQ(escapedJson("\"\xF3\xA0\x81\x81\""), "\"\\udb40\\udc41\"");
     EXPECT_EQ(escapedJson("\xFF"), "\\ufffd");
+}
+
+TEST(TextTest, ControlCharactersInsideJsonStringsAreEscaped) {
+    EXPECT_EQ(escapedJson("{\t\"a\x1b[31m\": \"\r\t\n\x07\"\r\n}"),
+              "{\t\"a\\u001b[31m\": \"\\u000d\\u0009\\u000a\\u0007\"\r\n}");
+    EXPECT_EQ(escapedJson("[\"\\\"\x1b\", \"\\\\\",\n\"\x1b\"]"),
+              "[\"\\\"\\u001b\", \"\\\\\",\n\"\\u001b\"]");
 }
 
 TEST(TextTest, WidthCountsColumnsNotBytes) {

@@ -57,11 +57,11 @@ TEST(TreeTest, OddAddressesAreDrawnToo) {
     EXPECT_EQ(drawn({{"", "1"}}, ""), "");
 }
 
-TEST(TreeTest, AnAddressOfManyLevelsEndsInTheRestOfItsName) {
-    const auto lines = drawTree({{std::string(1'000'000, '.') + "x", "1"}}, "", kAsciiStrokes);
-    ASSERT_EQ(lines.size(), 65U);
-    EXPECT_EQ(lines.back().name.size(), 1'000'001U - 64U);
-    EXPECT_TRUE(lines.back().isLeaf);
+// The daemon adds unknown addresses of up to a kibibyte.
+TEST(TreeTest, AThousandLevelsAreDrawn) {
+    const auto lines = drawTree({{std::string(1024, '.'), "1"}}, "", kAsciiStrokes);
+    ASSERT_EQ(lines.size(), 1024U);
+    EXPECT_EQ(lines.back().name, ".");
 }
 
 }  // namespace
