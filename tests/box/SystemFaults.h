@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/TrClient.h"
+
 #include <atomic>
 #include <string>
 #include <thread>
@@ -47,11 +49,14 @@ class RewrittenNotificationFile {
     std::thread thread_;
 };
 
-/// A client, a process of its own, that has called for two thousand lists and reads no reply.
-/// Killed with the object.
+/// A client, a separate process, that sends a call many times at once and reads no reply. Killed
+/// with the object.
 class ClientThatNeverReads {
   public:
-    explicit ClientThatNeverReads(const std::string& bus);
+    /// Two thousand lists: forty megabytes.
+    explicit ClientThatNeverReads(const std::string& bus)
+        : ClientThatNeverReads(bus, {TrClient::kInterface, "listAddresses"}, 2000) {}
+    ClientThatNeverReads(const std::string& bus, const TrCall& call, int times);
     ~ClientThatNeverReads();
     ClientThatNeverReads(const ClientThatNeverReads&) = delete;
     ClientThatNeverReads& operator=(const ClientThatNeverReads&) = delete;
