@@ -9,6 +9,8 @@ namespace TR {
 
 namespace {
 
+constexpr int kDescriptorsAtOnce = 253;  // SCM_MAX_FD in the kernel
+
 DBus::ReturnMessage machineIdReply(const DBus::CallMessage& call) {
     DBus::ReturnMessage reply(call);
     char* id = dbus_get_local_machine_id();
@@ -26,9 +28,12 @@ bool isCallWithoutEffect(DBusMessage* message) {
 
 IncomingFilter::IncomingFilter(DBus::Connection& connection, BusDispatcher& dispatcher)
     : connection_(connection), dispatcher_(dispatcher) {
-    // A message with descriptors is the last one that is read until it has been freed, which closes
-    // them. libdbus would give the connection up when they exceed the process's limit.
-    dbus_connection_set_max_received_unix_fds(Libdbus::handleOf(connection_), 1);
+    // libdbus gives the connection up over descriptors that it has no room for. So one message may
+    // hold as many as the kernel passes at once, and nothing is read while it lives: then as many
+    // of the process's descriptors have to be free, and not those for a whole queue.
+    DBusConnection* const handle = Libdbus::handleOf(connection_);
+    dbus_connection_set_max_message_unix_fds(handle, kDescriptorsAtOnce);
+    dbus_connection_set_max_received_unix_fds(handle, 1);
     slot_ = new DBus::Callback<IncomingFilter, bool, const DBus::Message&>(this,
                                                                            &IncomingFilter::filter);
     connection_.add_filter(slot_);

@@ -98,6 +98,8 @@ foreach(
   EightClientsLoseAndMixUpNothingForAMinute
   ClientsThatDieInTheMiddleOfTheirCallsHarmNobody
   AClientThatNeverReadsItsRepliesHarmsNobody
+  FourHundredUnreadReadsOfALogKeepFewRepliesInMemory
+  DescriptorsInCallsAreClosedAndLoseNoBus
   EveryWrongSignatureIsRefusedWithAndWithoutAnInterface
   AnyAddressIsTakenAsItIs
   AnyTextIsKeptAsItIs

@@ -46,6 +46,7 @@ void rewrite() {
     TrClient client(bus);
     std::vector<TrClient::Pending> replies;
     for (int i = 0; i < times; ++i) replies.push_back(client.send(call));
+    client.post({TrClient::kInterface, "getWritable", {ClientThatNeverReads::kLastAddress}});
     while (true) pause();
 }
 

@@ -53,6 +53,9 @@ class RewrittenNotificationFile {
 /// with the object.
 class ClientThatNeverReads {
   public:
+    /// Its last call adds this address: all others have been carried out when it is listed.
+    static constexpr char kLastAddress[] = "Device.LastOfTheUnread";
+
     /// Two thousand lists: forty megabytes.
     explicit ClientThatNeverReads(const std::string& bus)
         : ClientThatNeverReads(bus, {TrClient::kInterface, "listAddresses"}, 2000) {}
