@@ -26,7 +26,8 @@ constexpr int kBasicTypes[] = {
     DBUS_TYPE_BYTE,   DBUS_TYPE_BOOLEAN,     DBUS_TYPE_INT16,  DBUS_TYPE_UINT16, DBUS_TYPE_INT32,
     DBUS_TYPE_UINT32, DBUS_TYPE_INT64,       DBUS_TYPE_UINT64, DBUS_TYPE_DOUBLE, DBUS_TYPE_STRING,
     DBUS_TYPE_STRING, DBUS_TYPE_OBJECT_PATH, DBUS_TYPE_UNIX_FD};
-constexpr int kDeepest = 50;  // D-Bus allows 64 levels
+constexpr int kDeepestStructure = 20;     // D-Bus allows 32 levels in a signature
+constexpr unsigned kDeepestVariant = 50;  // and 64 in a message
 
 }  // namespace
 
@@ -110,7 +111,7 @@ void RandomMessages::appendArguments(DBusMessage* message) {
 }
 
 void RandomMessages::append(DBusMessageIter& position, int depth) {
-    if (depth < kDeepest && oneIn(depth < 3 ? 3 : 10))
+    if (depth < kDeepestStructure && oneIn(depth < 3 ? 3 : 10))
         appendContainer(position, depth);
     else
         appendBasic(position, oneOf(kBasicTypes));
@@ -131,28 +132,30 @@ void RandomMessages::appendBasic(DBusMessageIter& position, int type) {
 }
 
 void RandomMessages::appendContainer(DBusMessageIter& position, int depth) {
-    DBusMessageIter inner;
-    const unsigned kind = number(4);
+    const unsigned kind = number(3);
     if (kind == 0) {
+        appendVariant(position, oneIn(4) ? number(kDeepestVariant) : number(3));
+        return;
+    }
+    DBusMessageIter inner;
+    if (kind == 1) {
         dbus_message_iter_open_container(&position, DBUS_TYPE_STRUCT, nullptr, &inner);
         for (unsigned members = 1 + number(3); members > 0; --members) append(inner, depth + 1);
-    } else if (kind == 1) {
+    } else {
         dbus_message_iter_open_container(&position, DBUS_TYPE_ARRAY, "s", &inner);
         for (unsigned left = number(oneIn(50) ? 20'000 : 5); left > 0; --left)
             appendBasic(inner, DBUS_TYPE_STRING);
-    } else {
-        // Variants in variants, as deep as it comes.
-        const bool goesOn = kind == 2 && depth < kDeepest;
-        dbus_message_iter_open_container(&position, DBUS_TYPE_VARIANT, goesOn ? "v" : "s", &inner);
-        if (goesOn) {
-            DBusMessageIter innermost;
-            dbus_message_iter_open_container(&inner, DBUS_TYPE_VARIANT, "s", &innermost);
-            appendBasic(innermost, DBUS_TYPE_STRING);
-            dbus_message_iter_close_container(&inner, &innermost);
-        } else {
-            appendBasic(inner, DBUS_TYPE_STRING);
-        }
     }
+    dbus_message_iter_close_container(&position, &inner);
+}
+
+void RandomMessages::appendVariant(DBusMessageIter& position, unsigned levels) {
+    DBusMessageIter inner;
+    dbus_message_iter_open_container(&position, DBUS_TYPE_VARIANT, levels > 0 ? "v" : "s", &inner);
+    if (levels > 0)
+        appendVariant(inner, levels - 1);
+    else
+        appendBasic(inner, DBUS_TYPE_STRING);
     dbus_message_iter_close_container(&position, &inner);
 }
 

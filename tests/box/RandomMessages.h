@@ -46,6 +46,7 @@ class RandomMessages {
     void append(DBusMessageIter& position, int depth);
     void appendBasic(DBusMessageIter& position, int type);
     void appendContainer(DBusMessageIter& position, int depth);
+    void appendVariant(DBusMessageIter& position, unsigned levels);
     std::string text();
     /// The message's bytes, some of them changed, on a connection that the bus may close over them.
     void sendDamaged(DBusMessage* message);
