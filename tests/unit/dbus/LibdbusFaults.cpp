@@ -3,6 +3,7 @@
 #include <dbus/dbus.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 
 #include <dlfcn.h>
@@ -32,7 +33,10 @@ dbus_bool_t dbus_message_iter_append_basic(DBusMessageIter* position, int type, 
     static const auto append = real(&dbus_message_iter_append_basic, __func__);
     if (type == DBUS_TYPE_STRING) {
         const char* text = *static_cast<const char* const*>(value);
-        if (std::strcmp(text, LibdbusFaults::kUnappendable) == 0) return FALSE;
+        if (std::strcmp(text, LibdbusFaults::kUnappendable) == 0) {
+            errno = ENOMEM;
+            return FALSE;
+        }
     }
     return append(position, type, value);
 }
