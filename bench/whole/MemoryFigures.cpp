@@ -20,7 +20,7 @@ constexpr char kLogFile[] = "/tmp/syslog";
 constexpr char kLogAddress[] = "Device.DeviceInfo.DeviceLog";
 constexpr int kLogCycles = 4;
 constexpr std::size_t kUnreadLogBytes = std::size_t{2} << 20;
-constexpr int kUnreadReads = 400;
+constexpr std::size_t kUnreadReads = 400;
 
 void getTimes(const Service& service, int calls) {
     for (int done = 0; done < calls; done += kInFlight) service.getMany();
@@ -100,8 +100,8 @@ void reportUnreadMemory() {
     const std::uint64_t idle = statusKilobytes(service.pid(), "VmRSS");
     resetPeak(service.pid());
     TrClient unread(bus.address());
-    std::vector<TrClient::Pending> replies;
-    for (int i = 0; i < kUnreadReads; ++i) replies.push_back(unread.sendGetValue(kLogAddress));
+    std::vector<TrClient::Pending> calls(kUnreadReads);
+    for (auto& call : calls) call = unread.sendGetValue(kLogAddress);
     service.get();  // answered after them
     std::string note;
     const double peak = peakOver(service, idle, reply, note);

@@ -107,7 +107,7 @@ void appendDescriptor(DBusMessageIter& position) {
 TEST_F(ClientFaultTest, AThousandCallsInFlightAreAllAnsweredEachWithItsOwn) {
     std::vector<TrClient::Pending> calls;
     for (std::size_t i = 0; i < 1000; ++i) calls.push_back(client().sendGetValue(known(i).first));
-    // The last one first: what was answered meanwhile waits for whoever asked.
+    // The last one first: what was answered meanwhile waits in the client.
     for (std::size_t i = calls.size(); i-- > 0;) {
         ASSERT_NE(calls[i], nullptr);
         EXPECT_EQ(textOf(calls[i].get()), known(i).second) << i;
@@ -163,7 +163,7 @@ TEST_F(ClientFaultTest, EightClientsLoseAndMixUpNothingForAMinute) {
     }
 }
 
-// A process of its own, so that it can die as one.
+// A separate process, so that it can be killed.
 void beAClientThatDies(const std::string& bus, unsigned calls) {
     const pid_t pid = fork();
     if (pid == 0) {
@@ -395,7 +395,7 @@ TEST_F(ClientFaultTest, TwoDaemonsAtOnceServeTheSameSettings) {
 
 class WholeLifeTest : public DaemonTest {};
 
-// In a build with the leak checker a leak is told by the exit status.
+// In a build with the leak checker a leak shows in the exit status.
 TEST_F(WholeLifeTest, StartThreeCyclesStopLeavesNothingBehind) {
     start();
     ASSERT_TRUE(client().set(kCode, "x").ok);

@@ -24,14 +24,14 @@ void killHangingCommands(pid_t daemon);
 void addInterfaces(int count);
 void removeInterfaces(int count);
 
-/// Replaces the folder of the settings by a small file system of its own.
+/// Replaces the folder of the settings by a small file system.
 void mountSettings();
 /// Fills that to its last byte, and makes the room again.
 void fillSettings();
 void emptySettings();
 void setSettingsReadOnly(bool isReadOnly);
 
-/// The real client removes its file and writes it anew, line by line; here without a pause, for as
+/// The real client removes its file and writes it again, line by line; here without a pause, for as
 /// long as the object lives. The file is then what it was.
 class RewrittenNotificationFile {
   public:
