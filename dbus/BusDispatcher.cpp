@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <system_error>
 
 #include <fcntl.h>
@@ -27,13 +28,6 @@ void closeOnExec(int descriptor) {
     fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
-short pollEvents(const DBus::Watch& watch) {
-    if (!watch.enabled()) return 0;
-    const int flags = watch.flags();
-    return static_cast<short>(((flags & DBUS_WATCH_READABLE) != 0 ? POLLIN : 0) |
-                              ((flags & DBUS_WATCH_WRITABLE) != 0 ? POLLOUT : 0));
-}
-
 }  // namespace
 
 BusDispatcher::BusDispatcher() : wakeDescriptor_(makeWakeDescriptor()) {
@@ -47,26 +41,23 @@ BusDispatcher::~BusDispatcher() {
 }
 
 void BusDispatcher::enter() {
-    while (!leaving_) {
-        // A message that came in while another one was dispatched waits in the queue, with no event
-        // to tell.
-        while (has_something_to_dispatch() && !leaving_) dispatch_pending();
-        if (leaving_) return;
-        // The wait itself tells when the other end is gone; asking apart would cost a system call
-        // for each message.
-        if (watches_.empty() || !waitAndHandle()) busLost_ = true;
-        if (busLost_) return;
+    while (isServing()) {
+        // A message that came in while another one was dispatched waits in the queue, without an
+        // event to report it.
+        while (isServing() && has_something_to_dispatch()) dispatch_pending();
+        if (isServing()) waitAndHandle();
     }
+}
+
+bool BusDispatcher::waitUntilSent() {
+    while (isServing() && enabledWatch(DBUS_WATCH_WRITABLE) != nullptr) waitAndHandle();
+    return isServing();
 }
 
 void BusDispatcher::leave() {
     leaving_ = true;
     // The counter cannot overflow in practice, and a full one wakes the loop just the same.
     [[maybe_unused]] const int result = eventfd_write(wakeDescriptor_, 1);
-}
-
-void BusDispatcher::drain() {
-    while (has_something_to_dispatch()) dispatch_pending();
 }
 
 void BusDispatcher::rearm() {
@@ -84,30 +75,37 @@ bool BusDispatcher::isBusLost() {
     return poll(&bus, 1, 0) > 0 && (bus.revents & kGone) != 0;
 }
 
-bool BusDispatcher::waitAndHandle() {
-    polled_.assign(1, {wakeDescriptor_, POLLIN, 0});
-    polledWatches_.clear();
-    for (const auto& watch : watches_) {
-        polled_.push_back(
-            {watch->descriptor(), static_cast<short>(pollEvents(*watch) | POLLRDHUP), 0});
-        polledWatches_.push_back(watch.get());
+// The wait itself shows when the other end is gone: a look apart would cost a system call for each
+// message.
+void BusDispatcher::waitAndHandle() {
+    const bool isSending = enabledWatch(DBUS_WATCH_WRITABLE) != nullptr;
+    const bool mayRead = !isSending && enabledWatch(DBUS_WATCH_READABLE) != nullptr;
+    const int wanted = POLLRDHUP | (isSending ? POLLOUT : 0) | (mayRead ? POLLIN : 0);
+    pollfd polled[] = {{wakeDescriptor_, POLLIN, 0},
+                       {busDescriptor_, static_cast<short>(wanted), 0}};
+    if (watches_.empty()) busLost_ = true;
+    if (busLost_) return;
+    if (poll(polled, std::size(polled), -1) < 0) {
+        busLost_ = errno != EINTR;
+        return;
     }
-    if (poll(polled_.data(), polled_.size(), -1) < 0) return errno == EINTR;
-    for (std::size_t i = 0; i < polledWatches_.size(); ++i) {
-        const short events = polled_[i + 1].revents;
-        if ((events & kGone) != 0) return false;
-        handle(polledWatches_[i], events);
+    const short events = polled[1].revents;
+    if ((events & kGone) != 0) {
+        busLost_ = true;
+        return;
     }
-    return true;
+    if ((events & POLLOUT) != 0) handle(DBUS_WATCH_WRITABLE);
+    if ((events & POLLIN) != 0) handle(DBUS_WATCH_READABLE);
 }
 
-void BusDispatcher::handle(BusWatch* watch, short events) {
-    // Handling one watch may take another one back.
-    const bool isStillThere = std::any_of(watches_.begin(), watches_.end(),
-                                          [&](const auto& other) { return other.get() == watch; });
-    if (!isStillThere || events == 0) return;
-    watch->handle(((events & POLLIN) != 0 ? DBUS_WATCH_READABLE : 0) |
-                  ((events & POLLOUT) != 0 ? DBUS_WATCH_WRITABLE : 0));
+BusDispatcher::BusWatch* BusDispatcher::enabledWatch(int kind) const {
+    for (const auto& watch : watches_)
+        if (watch->enabled() && (watch->flags() & kind) != 0) return watch.get();
+    return nullptr;
+}
+
+void BusDispatcher::handle(int kind) {
+    if (BusWatch* const watch = enabledWatch(kind)) watch->handle(kind);
 }
 
 DBus::Watch* BusDispatcher::add_watch(DBus::Watch::Internal* internal) {

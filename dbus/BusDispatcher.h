@@ -8,14 +8,13 @@
 #include <memory>
 #include <vector>
 
-#include <poll.h>
-
 namespace TR {
 
-/// The binding's dispatcher with a loop of its own. The binding's loop spins for ever when it is
-/// left before it is entered, and spins or sleeps for ever when the bus dies; this one remembers
-/// `leave()` and ends when the bus hangs up. Serves one connection; `enter()` and the watch
-/// operations run on the D-Bus thread, `leave()` and `isBusLost()` on any.
+/// The binding's dispatcher with another loop. The binding's spins for ever when it is left before
+/// it is entered, and spins or sleeps for ever when the bus dies; this one remembers `leave()` and
+/// ends when the bus hangs up. While something waits to be sent it reads nothing. Serves one
+/// connection; `enter()`, `waitUntilSent()` and the watch operations run on the D-Bus thread,
+/// `leave()` and `isBusLost()` on any.
 class BusDispatcher : public DBus::BusDispatcher {
   public:
     /// Throws std::system_error when no descriptor is to be had.
@@ -31,12 +30,12 @@ class BusDispatcher : public DBus::BusDispatcher {
     /// Takes back an earlier `leave()`; before a new start, while nobody is in `enter()`.
     void rearm();
 
-    /// Dispatches what has arrived. After a connection was closed, on the D-Bus thread: the
-    /// binding's queue must not know of it any more when it is destroyed.
-    void drain();
+    /// Waits until libdbus has sent all that it was given. False when the loop is to end: nothing
+    /// more is to be carried out then.
+    bool waitUntilSent();
 
     /// True when the other end of the connection is gone. Looks at the socket itself, so that it
-    /// tells also while the D-Bus thread is busy with a call.
+    /// shows also while the D-Bus thread is busy with a call.
     bool isBusLost();
 
     DBus::Watch* add_watch(DBus::Watch::Internal* internal) override;
@@ -49,17 +48,19 @@ class BusDispatcher : public DBus::BusDispatcher {
         void toggle() override {}
     };
 
-    bool waitAndHandle();
-    void handle(BusWatch* watch, short events);
+    bool isServing() const { return !leaving_ && !busLost_; }
+    /// libdbus's watch of this kind, DBUS_WATCH_READABLE or DBUS_WATCH_WRITABLE, when it is
+    /// enabled; else null.
+    BusWatch* enabledWatch(int kind) const;
+    void handle(int kind);
+    /// One wait. A lost bus is noted.
+    void waitAndHandle();
     void forgetDescriptor();
 
     const int wakeDescriptor_;  ///< eventfd, owned
     std::atomic<bool> leaving_{false};
     std::atomic<bool> busLost_{false};
-    // D-Bus thread only; what is polled is kept for its room.
-    std::vector<std::unique_ptr<BusWatch>> watches_;
-    std::vector<pollfd> polled_;
-    std::vector<BusWatch*> polledWatches_;
+    std::vector<std::unique_ptr<BusWatch>> watches_;  ///< D-Bus thread only
     /// Guards the descriptor: libdbus takes its watches back before it closes it, and waits here
     /// while another thread looks at it.
     pthread_helper::mutex descriptorMutex_;

@@ -1,6 +1,5 @@
 #include "dbus/DBusWorker.h"
 
-#include "dbus/BusLimits.h"
 #include "dbus/IncomingFilter.h"
 #include "dbus/TRDBusAdaptor.h"
 #include "stb/src/common/STBLogger.h"
@@ -30,20 +29,6 @@ void warnWhenNameIsTaken(DBus::Connection& connection) {
                   connection.unique_name());
 }
 
-/// Closes the connection on every way out. The binding's queue must not know of it any more when it
-/// is gone, and nothing that is still in the queue is carried out.
-struct Closing {
-    DBus::Connection& connection;
-    BusDispatcher& dispatcher;
-    IncomingFilter& filter;
-
-    ~Closing() {
-        filter.drop();
-        connection.disconnect();
-        dispatcher.drain();
-    }
-};
-
 }  // namespace
 
 DBusWorker::DBusWorker(Storage* storage) : storage_(storage) {
@@ -69,13 +54,11 @@ void DBusWorker::stop() {
 
 void DBusWorker::run() {
     DBus::Connection connection = DBus::Connection::SessionBus();
-    IncomingFilter filter(connection);
-    const Closing closing{connection, dispatcher_, filter};
-    connection.exit_on_disconnect(false);  // main decides how the process ends
+    const IncomingFilter filter(connection, dispatcher_);  // closes it on every way out
+    connection.exit_on_disconnect(false);                  // main decides how the process ends
     connection.request_name(kServiceName, 0);
     warnWhenNameIsTaken(connection);
-    adaptor_ = std::make_unique<TRDBusAdaptor>(connection, storage_,
-                                               BusLimits::largestMessage(connection));
+    adaptor_ = std::make_unique<TRDBusAdaptor>(connection, storage_);
     dispatcher_.enter();
 }
 

@@ -1,30 +1,28 @@
 #pragma once
 
+#include "dbus/BusDispatcher.h"
+
 #include <dbus-c++/dbus.h>
+#include <dbus/dbus.h>
 
 namespace TR {
 
-/// Looks at every message before the binding does. The interface is optional in a method call, and
-/// the binding falls over a call without one: such a call gets the interface that its member
-/// belongs to, or its answer here where nobody else would give it. After `drop()` every message is
-/// thrown away. Lives on the D-Bus thread, no longer than its connection.
+/// Serves a connection from its opening to its end: looks at every message before the binding does,
+/// and closes the connection when it is destroyed. A message waits until the replies before it have
+/// been sent, so that at most one reply is in memory. Both references are borrowed. D-Bus thread
+/// only; destroyed before the connection. Throws std::bad_alloc when it cannot be made.
 class IncomingFilter {
   public:
-    explicit IncomingFilter(DBus::Connection& connection);
+    IncomingFilter(DBus::Connection& connection, BusDispatcher& dispatcher);
     ~IncomingFilter();
     IncomingFilter(const IncomingFilter&) = delete;
     IncomingFilter& operator=(const IncomingFilter&) = delete;
 
-    /// From now on nothing is carried out: a closed connection could not carry the reply.
-    void drop() { isDropping_ = true; }
-
   private:
-    /// True when the message needs nobody else.
-    bool filter(const DBus::Message& message);
+    static DBusHandlerResult filter(DBusConnection* connection, DBusMessage* message, void* self);
 
     DBus::Connection& connection_;
-    DBus::MessageSlot slot_;
-    bool isDropping_ = false;
+    BusDispatcher& dispatcher_;
 };
 
 }  // namespace TR

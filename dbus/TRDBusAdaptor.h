@@ -1,31 +1,44 @@
 #pragma once
 
 #include "TR_adaptor.h"
+#include "dbus/Libdbus.h"
 
 #include <dbus-c++/dbus.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace TR {
+class Address;
 class Storage;
-}
+class Value;
+}  // namespace TR
 
 /// Carries out the eight methods of `com.kelm.stb.TR` against the store. All of it runs on the
 /// D-Bus thread, one call at a time; each operation takes the store mutex, or the notification
 /// table's, for itself. The store is borrowed and may be null: then reads are empty and writes do
-/// nothing. Texts leave as valid UTF-8; a reply that the bus could not carry becomes the error
-/// LimitsExceeded. Nothing but DBus::Error is ever thrown.
+/// nothing. Texts leave as valid UTF-8; a reply above `kLargestReplyBytes` becomes the error
+/// LimitsExceeded. A reply that memory does not suffice for becomes the error NoMemory, and when
+/// even that cannot be sent, the connection is closed.
 class TRDBusAdaptor : public com::kelm::stb::TR_adaptor,
                       public DBus::IntrospectableAdaptor,
                       public DBus::ObjectAdaptor {
   public:
     static constexpr const char* kInterface = "com.kelm.stb.TR";
     static constexpr const char* kObjectPath = "/com/kelm/stb/TR";
+    /// Largest reply, header included: what dbus-daemon takes when its configuration sets no
+    /// `max_message_size`. It throws a service off that sends more.
+    static constexpr std::uint64_t kLargestReplyBytes = std::uint64_t{32} << 20;
+    /// Unknown addresses that calls add to the store: one of them, and all together.
+    static constexpr std::size_t kUnknownAddressBytes = std::size_t{1} << 10;
+    static constexpr std::size_t kUnknownAddressesBytes = std::size_t{4} << 20;
 
-    /// \p largestMessage in bytes, header included.
-    TRDBusAdaptor(DBus::Connection& connection, TR::Storage* storage, std::uint64_t largestMessage);
+    TRDBusAdaptor(DBus::Connection& connection, TR::Storage* storage);
+
+    /// True for a call of an operation that does more than reply.
+    static bool hasEffect(DBusMessage* call);
 
     /// Writes one parameter: to its file, its UCI option, or in memory, in this order of
     /// preference. One that is unknown or not writable is left alone without an error; a text that
@@ -33,7 +46,7 @@ class TRDBusAdaptor : public com::kelm::stb::TR_adaptor,
     void set(const std::string& address, const std::string& value) override;
     /// The current value's text; empty for an unknown address.
     std::string get_value(const std::string& address) override;
-    /// "1" or "0". An unknown address gets an entry in the store.
+    /// "1" or "0". An unknown address gets an entry in the store while there is room for it.
     std::string getWritable(const std::string& address) override;
     std::string getForcedInform(const std::string& address) override;
     std::vector<std::string> listAddresses() override;
@@ -42,12 +55,21 @@ class TRDBusAdaptor : public com::kelm::stb::TR_adaptor,
     std::string checkValueChange() override;
 
   private:
-    void write(const std::string& address, const std::string& value);
-    std::string carried(std::string text) const;
-    std::vector<std::string> carried(std::vector<std::string> list) const;
+    /// Instead of the binding's, which ends the process over a call without an interface or an
+    /// exception of another type than its own, replies to calls that want no reply, and sends a
+    /// reply whose contents could not be appended.
+    bool handle_message(const DBus::Message& message) override;
+    /// Null when there is no memory for an error.
+    TR::Libdbus::OwnedMessage replyTo(const DBus::CallMessage& call,
+                                      DBus::InterfaceAdaptor& interface);
 
-    void checkSize(std::uint64_t bytes) const;
+    /// The entry, made when there is none and there is room; else null. Under the store mutex.
+    TR::Value* entry(const std::string& address);
+    std::string flag(const std::string& address, bool (TR::Value::*isSet)() const);
+    std::vector<std::string> list(std::vector<TR::Address> (TR::Storage::*addresses)() const);
 
     TR::Storage* storage_;
-    std::uint64_t largestMessage_;
+    std::size_t unknownAddressesBytes_ = 0;
+    /// How many the reply under way must hold.
+    std::size_t replyStrings_ = 0;
 };

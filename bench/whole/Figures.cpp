@@ -12,4 +12,5 @@ int main() {
         bench::reportGrowth(fleet);
     }
     bench::reportLogMemory();
+    bench::reportUnreadMemory();
 }

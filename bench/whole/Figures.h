@@ -9,7 +9,8 @@ void reportCallTimes(Fleet& fleet);
 void reportKernelWork(Fleet& fleet);
 void reportParameterMemory(const Fleet& fleet);
 void reportGrowth(const Fleet& fleet);
-/// With a bus of its own.
+/// Each starts another bus and daemon.
 void reportLogMemory();
+void reportUnreadMemory();
 
 }  // namespace bench

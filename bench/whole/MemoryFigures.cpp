@@ -9,6 +9,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace bench {
 
@@ -18,6 +19,8 @@ constexpr std::size_t kLogBytes = std::size_t{16} << 20;
 constexpr char kLogFile[] = "/tmp/syslog";
 constexpr char kLogAddress[] = "Device.DeviceInfo.DeviceLog";
 constexpr int kLogCycles = 4;
+constexpr std::size_t kUnreadLogBytes = std::size_t{2} << 20;
+constexpr std::size_t kUnreadReads = 400;
 
 void getTimes(const Service& service, int calls) {
     for (int done = 0; done < calls; done += kInFlight) service.getMany();
@@ -84,6 +87,26 @@ void reportGrowth(const Fleet& fleet) {
     reportAtMost("resident memory after 1,000,000 calls / after 10,000",
                  static_cast<double>(late) / static_cast<double>(early), 1.02,
                  std::to_string(late) + " kB / " + std::to_string(early) + " kB");
+}
+
+void reportUnreadMemory() {
+    // What waits for one client is bounded, as on a box: the bus drops what is above.
+    const PrivateBus bus("<limit name=\"max_outgoing_bytes\">64000000</limit>");
+    box::writeFile("/tmp/syslog.0", "");
+    box::writeFile(kLogFile, logText(kUnreadLogBytes));
+    const Service service = startDaemon(bus, "/tmp/unread-output");
+    letCyclesPass([] {});
+    const auto reply = static_cast<double>(service.client->getValue(kLogAddress).text.size());
+    const std::uint64_t idle = statusKilobytes(service.pid(), "VmRSS");
+    resetPeak(service.pid());
+    TrClient unread(bus.address());
+    std::vector<TrClient::Pending> calls(kUnreadReads);
+    for (auto& call : calls) call = unread.sendGetValue(kLogAddress);
+    service.get();  // answered after them
+    std::string note;
+    const double peak = peakOver(service, idle, reply, note);
+    reportAtMost("400 unread reads of a log of 2 MiB: peak memory above idle / reply", peak, 8.0,
+                 note);
 }
 
 void reportLogMemory() {

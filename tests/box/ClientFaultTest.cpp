@@ -46,11 +46,26 @@ const auto& known(std::size_t number) {
     return kKnown[number % std::size(kKnown)];
 }
 
+// Bounds of the bus are not what is tried here. What waits for one client is less than the bus
+// takes from one, or a client that does not read keeps the daemon's replies from all.
+constexpr char kLimits[] =
+    "<limit name=\"max_replies_per_connection\">50000</limit>"
+    "<limit name=\"max_outgoing_bytes\">64000000</limit>"
+    "<limit name=\"max_incoming_unix_fds\">100000</limit>"
+    "<limit name=\"max_outgoing_unix_fds\">100000</limit>"
+    "<limit name=\"max_message_unix_fds\">4096</limit>";
+
+// A sanitizer keeps what was freed.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::size_t kFreedButKeptKiB = 512 * 1024;
+#else
+constexpr std::size_t kFreedButKeptKiB = 0;
+#endif
+
 class ClientFaultTest : public DaemonTest {
   protected:
     void SetUp() override {
-        // Bounds of the bus are not what is tried here.
-        start("<limit name=\"max_replies_per_connection\">50000</limit>");
+        start(kLimits);
         ASSERT_TRUE(client().set(kConfig + "SyslogHost", "10.1.2.3").ok);
         before_ = quietVitalsOf(daemon().pid());
     }
@@ -84,10 +99,15 @@ std::string textOf(DBusPendingCall* pending) {
     return result;
 }
 
+void appendDescriptor(DBusMessageIter& position) {
+    const int descriptor = STDERR_FILENO;
+    dbus_message_iter_append_basic(&position, DBUS_TYPE_UNIX_FD, &descriptor);
+}
+
 TEST_F(ClientFaultTest, AThousandCallsInFlightAreAllAnsweredEachWithItsOwn) {
     std::vector<TrClient::Pending> calls;
     for (std::size_t i = 0; i < 1000; ++i) calls.push_back(client().sendGetValue(known(i).first));
-    // The last one first: what was answered meanwhile waits for whoever asked.
+    // The last one first: what was answered meanwhile waits in the client.
     for (std::size_t i = calls.size(); i-- > 0;) {
         ASSERT_NE(calls[i], nullptr);
         EXPECT_EQ(textOf(calls[i].get()), known(i).second) << i;
@@ -143,7 +163,7 @@ TEST_F(ClientFaultTest, EightClientsLoseAndMixUpNothingForAMinute) {
     }
 }
 
-// A process of its own, so that it can die as one.
+// A separate process, so that it can be killed.
 void beAClientThatDies(const std::string& bus, unsigned calls) {
     const pid_t pid = fork();
     if (pid == 0) {
@@ -171,6 +191,51 @@ TEST_F(ClientFaultTest, AClientThatNeverReadsItsRepliesHarmsNobody) {
     waitForCycles(1);
     for (int i = 0; i < 200; ++i) EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM");
     EXPECT_TRUE(rude.isThere()) << "the client is gone too early";
+}
+
+TEST_F(ClientFaultTest, FourHundredUnreadReadsOfALogKeepFewRepliesInMemory) {
+    constexpr char kLog[] = "Device.DeviceInfo.DeviceLog";
+    constexpr std::size_t kLogBytes = std::size_t{2} << 20;
+    client().setTimeout(std::chrono::minutes(5));
+    box::writeFile("/tmp/syslog", std::string(kLogBytes, 'x'));
+    ASSERT_TRUE(box::waitUntil([&] { return value(kLog).size() >= kLogBytes; }));
+    waitForCycles(1);
+    const std::size_t quietKiB = peakKiBOf(daemon().pid());
+    const faults::ClientThatNeverReads rude(bus().address(),
+                                            {TrClient::kInterface, "get_value", {kLog}}, 400);
+    ASSERT_TRUE(box::waitUntil(
+        [&] {
+            const auto list = client().listAddresses().list;
+            return std::count(list.begin(), list.end(), rude.kLastAddress) > 0;
+        },
+        std::chrono::minutes(5)));
+    EXPECT_LE(peakKiBOf(daemon().pid()), quietKiB + 8 * kLogBytes / 1024 + kFreedButKeptKiB);
+    EXPECT_TRUE(rude.isThere()) << "the client is gone too early";
+    expectAnswers();
+}
+
+// The last forty calls pile up behind a slow one. Two hundred are more than libdbus expects in one.
+TEST_F(ClientFaultTest, DescriptorsInCallsAreClosedAndLoseNoBus) {
+    faults::setLimit(daemon().pid(), RLIMIT_NOFILE, 256);
+    const auto descriptors = [](int count) {
+        return [count](DBusMessageIter& position) {
+            for (int i = 0; i < count; ++i) appendDescriptor(position);
+        };
+    };
+    std::vector<TrClient::Pending> calls;
+    TrClient::Pending slow;
+    for (int i = 0; i < 400; ++i) {
+        if (i == 360) {
+            box::setFault("uci", "slow 1");
+            slow = client().sendGetValue(kCode);
+        }
+        calls.push_back(client().send({TrClient::kInterface,
+                                       "get_value",
+                                       {"Device.DeviceInfo.Manufacturer"},
+                                       descriptors(16)}));
+    }
+    for (const auto& call : calls) EXPECT_EQ(textOf(call.get()), "KELM");
+    EXPECT_TRUE(client().call({TrClient::kInterface, "get_value", {kCode}, descriptors(200)}).ok);
 }
 
 struct Signature {
@@ -215,11 +280,6 @@ void appendDictionary(DBusMessageIter& position) {
     DBusMessageIter array;
     dbus_message_iter_open_container(&position, DBUS_TYPE_ARRAY, "{sv}", &array);
     dbus_message_iter_close_container(&position, &array);
-}
-
-void appendDescriptor(DBusMessageIter& position) {
-    const int descriptor = STDERR_FILENO;
-    dbus_message_iter_append_basic(&position, DBUS_TYPE_UNIX_FD, &descriptor);
 }
 
 std::vector<Signature> wrongSignatures() {
@@ -302,7 +362,7 @@ TEST_F(ClientFaultTest, AnyAddressIsTakenAsItIs) {
         EXPECT_EQ(client().getForcedInform(address).text, "0");
         EXPECT_EQ(client().getValue(address).text, "");
         const auto list = client().listAddresses().list;
-        EXPECT_NE(std::find(list.begin(), list.end(), address), list.end());
+        EXPECT_EQ(std::count(list.begin(), list.end(), address), address.size() <= 1024 ? 1 : 0);
     }
 }
 
@@ -335,7 +395,7 @@ TEST_F(ClientFaultTest, TwoDaemonsAtOnceServeTheSameSettings) {
 
 class WholeLifeTest : public DaemonTest {};
 
-// In a build with the leak checker a leak is told by the exit status.
+// In a build with the leak checker a leak shows in the exit status.
 TEST_F(WholeLifeTest, StartThreeCyclesStopLeavesNothingBehind) {
     start();
     ASSERT_TRUE(client().set(kCode, "x").ok);

@@ -1,7 +1,8 @@
 # The fault tables. Their rows are cases of GoogleTest, many of which share one life of the daemon, so one CTest
 # test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
 add_executable(fault_tests ClientFaultTest.cpp CommandFaultTest.cpp DaemonTest.cpp FaultyFiles.cpp
-                           FaultyLife.cpp FileFaultTest.cpp InterruptFaultTest.cpp SystemFaultTest.cpp
+                           FaultyLife.cpp FileFaultTest.cpp InterruptFaultTest.cpp MessageFuzzTest.cpp
+                           RandomMessages.cpp SystemFaultTest.cpp
                            SystemFaults.cpp Vitals.cpp WriteFaultTest.cpp)
 target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
                                           kelm_warnings)
@@ -99,6 +100,8 @@ foreach(
   EightClientsLoseAndMixUpNothingForAMinute
   ClientsThatDieInTheMiddleOfTheirCallsHarmNobody
   AClientThatNeverReadsItsRepliesHarmsNobody
+  FourHundredUnreadReadsOfALogKeepFewRepliesInMemory
+  DescriptorsInCallsAreClosedAndLoseNoBus
   EveryWrongSignatureIsRefusedWithAndWithoutAnInterface
   AnyAddressIsTakenAsItIs
   AnyTextIsKeptAsItIs
@@ -106,6 +109,7 @@ foreach(
   TwoDaemonsAtOnceServeTheSameSettings)
   fault_group(${case} ClientFaultTest.${case})
 endforeach()
+fault_group(RandomMessages MessageFuzzTest.*)
 foreach(
   disturbance
   Commands

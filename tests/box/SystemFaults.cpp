@@ -2,7 +2,6 @@
 
 #include "tests/box/Vitals.h"
 #include "tests/support/Box.h"
-#include "tests/support/TrClient.h"
 
 #include <algorithm>
 #include <csignal>
@@ -10,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <vector>
 
 #include <sys/mount.h>
 #include <sys/wait.h>
@@ -42,17 +42,11 @@ void rewrite() {
     }
 }
 
-// Sends what the sockets take, then sleeps: forty megabytes of replies wait for it on the bus.
-[[noreturn]] void beAClientThatNeverReads(const std::string& bus) {
-    DBusConnection* connection = dbus_connection_open_private(bus.c_str(), nullptr);
-    if (connection == nullptr || dbus_bus_register(connection, nullptr) == FALSE) _exit(1);
-    for (int i = 0; i < 2000; ++i) {
-        DBusMessage* call = dbus_message_new_method_call(TrClient::kService, "/com/kelm/stb/TR",
-                                                         TrClient::kInterface, "listAddresses");
-        dbus_connection_send(connection, call, nullptr);
-        dbus_message_unref(call);
-    }
-    dbus_connection_flush(connection);
+[[noreturn]] void beAClientThatNeverReads(const std::string& bus, const TrCall& call, int times) {
+    TrClient client(bus);
+    std::vector<TrClient::Pending> replies;
+    for (int i = 0; i < times; ++i) replies.push_back(client.send(call));
+    client.post({TrClient::kInterface, "getWritable", {ClientThatNeverReads::kLastAddress}});
     while (true) pause();
 }
 
@@ -131,8 +125,9 @@ RewrittenNotificationFile::~RewrittenNotificationFile() {
     box::writeFile(kNotifyFile, content_);
 }
 
-ClientThatNeverReads::ClientThatNeverReads(const std::string& bus) : pid_(fork()) {
-    if (pid_ == 0) beAClientThatNeverReads(bus);
+ClientThatNeverReads::ClientThatNeverReads(const std::string& bus, const TrCall& call, int times)
+    : pid_(fork()) {
+    if (pid_ == 0) beAClientThatNeverReads(bus, call, times);
     require(pid_ > 0, "no process for the client");
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/TrClient.h"
+
 #include <atomic>
 #include <string>
 #include <thread>
@@ -22,14 +24,14 @@ void killHangingCommands(pid_t daemon);
 void addInterfaces(int count);
 void removeInterfaces(int count);
 
-/// Replaces the folder of the settings by a small file system of its own.
+/// Replaces the folder of the settings by a small file system.
 void mountSettings();
 /// Fills that to its last byte, and makes the room again.
 void fillSettings();
 void emptySettings();
 void setSettingsReadOnly(bool isReadOnly);
 
-/// The real client removes its file and writes it anew, line by line; here without a pause, for as
+/// The real client removes its file and writes it again, line by line; here without a pause, for as
 /// long as the object lives. The file is then what it was.
 class RewrittenNotificationFile {
   public:
@@ -47,11 +49,17 @@ class RewrittenNotificationFile {
     std::thread thread_;
 };
 
-/// A client, a process of its own, that has called for two thousand lists and reads no reply.
-/// Killed with the object.
+/// A client, a separate process, that sends a call many times at once and reads no reply. Killed
+/// with the object.
 class ClientThatNeverReads {
   public:
-    explicit ClientThatNeverReads(const std::string& bus);
+    /// Its last call adds this address: all others have been carried out when it is listed.
+    static constexpr char kLastAddress[] = "Device.LastOfTheUnread";
+
+    /// Two thousand lists: forty megabytes.
+    explicit ClientThatNeverReads(const std::string& bus)
+        : ClientThatNeverReads(bus, {TrClient::kInterface, "listAddresses"}, 2000) {}
+    ClientThatNeverReads(const std::string& bus, const TrCall& call, int times);
     ~ClientThatNeverReads();
     ClientThatNeverReads(const ClientThatNeverReads&) = delete;
     ClientThatNeverReads& operator=(const ClientThatNeverReads&) = delete;

@@ -49,6 +49,15 @@ Vitals vitalsOf(pid_t pid) {
             childrenOf(pid).size(), residentKiBOf(pid)};
 }
 
+std::size_t peakKiBOf(pid_t pid) {
+    std::ifstream status(folderOf(pid) + "/status");
+    std::size_t kibibytes = 0;
+    for (std::string word; status >> word && word != "VmHWM:";) {
+    }
+    status >> kibibytes;
+    return kibibytes;
+}
+
 Vitals quietVitalsOf(pid_t pid) {
     constexpr int kLooks = 20;
     Vitals quietest = vitalsOf(pid);

@@ -20,6 +20,8 @@ struct Vitals {
     }
 };
 Vitals vitalsOf(pid_t pid);
+/// The most memory that it has had resident so far.
+std::size_t peakKiBOf(pid_t pid);
 /// The same at rest: without what it holds for the moment only, a command's pipe or a file that it
 /// reads.
 Vitals quietVitalsOf(pid_t pid);

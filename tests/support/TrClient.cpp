@@ -109,7 +109,7 @@ TrClient::Message TrClient::build(const TrCall& call) const {
     return message;
 }
 
-TrClient::Message TrClient::transact(DBusMessage* message, TrReply& failure) const {
+TrClient::Message TrClient::transact(DBusMessage* message, TrReply& failure) {
     if (!connected()) {
         failure = unreachable();
         return nullptr;
@@ -123,8 +123,8 @@ TrClient::Message TrClient::transact(DBusMessage* message, TrReply& failure) con
         connection_.get(), message, static_cast<int>(timeout_.count()), error.get()));
     if (reply == nullptr) failure = error.reply();
     // Signals pile up on a connection that nobody dispatches.
-    while (const Message signal{dbus_connection_pop_message(connection_.get())}) {
-    }
+    while (const Message other{dbus_connection_pop_message(connection_.get())})
+        if (dbus_message_get_reply_serial(other.get()) != 0) ++strayReplies_;
     return reply;
 }
 
@@ -134,8 +134,8 @@ TrReply TrClient::call(const TrCall& call) {
     return reply ? read(reply.get()) : failure;
 }
 
-TrClient::Pending TrClient::sendGetValue(const std::string& address) {
-    const Message message = build({kInterface, "get_value", {address}});
+TrClient::Pending TrClient::send(const TrCall& call) {
+    const Message message = build(call);
     if (!connected() || message == nullptr) return nullptr;
     DBusPendingCall* pending = nullptr;
     dbus_connection_send_with_reply(connection_.get(), message.get(), &pending,
@@ -144,7 +144,20 @@ TrClient::Pending TrClient::sendGetValue(const std::string& address) {
     return Pending(pending);
 }
 
-TrClient::Message TrClient::askBus(const char* member) const {
+TrClient::Pending TrClient::sendGetValue(const std::string& address) {
+    return send({kInterface, "get_value", {address}});
+}
+
+bool TrClient::post(const TrCall& call) {
+    const Message message = build(call);
+    if (!connected() || message == nullptr) return false;
+    dbus_message_set_no_reply(message.get(), TRUE);
+    const bool isSent = dbus_connection_send(connection_.get(), message.get(), nullptr) != FALSE;
+    dbus_connection_flush(connection_.get());
+    return isSent;
+}
+
+TrClient::Message TrClient::askBus(const char* member) {
     const Message message(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
                                                        DBUS_INTERFACE_DBUS, member));
     DBusMessageIter position;

@@ -30,7 +30,7 @@ struct TrCall {
     std::string path = "/com/kelm/stb/TR";
 };
 
-/// A client of the daemon on a private connection of its own, as the CWMP client is one. Blocking;
+/// A client of the daemon on a private connection, like the CWMP client. Blocking;
 /// one thread at a time. Failures show in the reply, an unreachable bus and an argument that
 /// libdbus would abort on included; nothing throws.
 class TrClient {
@@ -60,11 +60,17 @@ class TrClient {
     TrReply introspect();
     TrReply call(const TrCall& call);
 
+    /// Sends a call that asks for no reply; false when it cannot be sent.
+    bool post(const TrCall& call);
+    /// Replies, or errors, that came although nobody asked for them.
+    std::size_t strayReplies() const { return strayReplies_; }
+
     /// A call under way; its reply is dropped with it.
     struct CancelPending {
         void operator()(DBusPendingCall* pending) const;
     };
     using Pending = std::unique_ptr<DBusPendingCall, CancelPending>;
+    Pending send(const TrCall& call);
     Pending sendGetValue(const std::string& address);
 
     /// The unique name of the service's owner; empty when nobody owns it.
@@ -83,13 +89,14 @@ class TrClient {
 
     void open(const std::string& busAddress);
     Message build(const TrCall& call) const;
-    Message askBus(const char* member) const;
-    Message transact(DBusMessage* message, TrReply& failure) const;
+    Message askBus(const char* member);
+    Message transact(DBusMessage* message, TrReply& failure);
     TrReply own(const char* member, const std::vector<std::string>& arguments = {});
     TrReply unreachable() const;
 
     std::string service_;
     std::chrono::milliseconds timeout_{kTimeoutMilliseconds};
     TrReply connectError_;
+    std::size_t strayReplies_ = 0;
     std::unique_ptr<DBusConnection, CloseConnection> connection_;
 };

@@ -3,6 +3,7 @@
 #include "tests/support/Box.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TrClient.h"
+#include "tests/unit/dbus/LibdbusFaults.h"
 
 #include <gtest/gtest.h>
 
@@ -18,12 +19,14 @@ using List = std::vector<std::string>;
 
 const std::string kBad = "\xEF\xBF\xBD";
 constexpr char kLimitsExceeded[] = "org.freedesktop.DBus.Error.LimitsExceeded";
+constexpr char kNoMemory[] = "org.freedesktop.DBus.Error.NoMemory";
+constexpr std::size_t kLargestReply = std::size_t{32} << 20;
 
-/// The D-Bus thread of this process, served with a store of the test's own.
+/// The D-Bus thread of this process, served with the test's store.
 class DBusWorkerTest : public ::testing::Test {
   protected:
-    void serve(TR::Storage* storage, const std::string& limits = "") {
-        bus_ = std::make_unique<PrivateBus>(limits);
+    void serve(TR::Storage* storage) {
+        bus_ = std::make_unique<PrivateBus>();
         worker_ = std::make_unique<TR::DBusWorker>(storage);
         worker_->start();
         waitUntilServed();
@@ -69,6 +72,10 @@ TEST_F(DBusWorkerTest, WithoutAStoreReadsAreEmptyAndWritesDoNothing) {
     EXPECT_EQ(client().listAddresses().list, List{});
     EXPECT_EQ(client().listParametersOnly().list, List{});
     EXPECT_TRUE(client().set("a", "b").ok);
+    EXPECT_TRUE(client().updateNotifTable().ok);
+    const auto changes = client().checkValueChange();
+    EXPECT_TRUE(changes.ok);
+    EXPECT_EQ(changes.text, "");
 }
 
 TEST_F(DBusWorkerTest, AnUnknownAddressReadsEmptyAndAddsNothing) {
@@ -114,7 +121,7 @@ TEST_F(DBusWorkerTest, AnIntegerIsConvertedAndReadBack) {
     EXPECT_EQ(client().getValue("a").text, "42");
 }
 
-TEST_F(DBusWorkerTest, ATextThatIsNoNumberIsALogicErrorAndChangesNothing) {
+TEST_F(DBusWorkerTest, ATextThatIsNotANumberIsALogicErrorAndChangesNothing) {
     fill("a", Value(1LL));
     serve(&storage_);
     for (const char* text : {"abc", "", "12345678901234567890"}) {
@@ -196,47 +203,133 @@ TEST_F(DBusWorkerTest, AnyBytesInAValueArriveAsValidText) {
     EXPECT_EQ(client().listParametersOnly().list.size(), 4U);
 }
 
-TEST_F(DBusWorkerTest, AReplyBeyondTheBussOwnLimitIsAnErrorForThatCallAlone) {
-    storage_.set(Address("big"), Value(std::string(100000, 'x')));
-    storage_.set(Address("fits"), Value(std::string(100000 - 200, 'x')));
-    serve(&storage_, "<limit name=\"max_message_size\">100000</limit>");
+TEST_F(DBusWorkerTest, AReplyAbove32MiBIsAnErrorForThatCallAlone) {
+    storage_.set(Address("big"), Value(std::string(kLargestReply, 'x')));
+    storage_.set(Address("fits"), Value(std::string(kLargestReply - 200, 'x')));
+    serve(&storage_);
     const auto reply = client().getValue("big");
     EXPECT_FALSE(reply.ok);
     EXPECT_EQ(reply.errorName, kLimitsExceeded);
-    EXPECT_EQ(client().getValue("fits").text.size(), 100000U - 200U);
+    EXPECT_EQ(client().getValue("fits").text.size(), kLargestReply - 200);
     EXPECT_FALSE(worker_->isBusLost());
 }
 
 TEST_F(DBusWorkerTest, BytesThatGrowOnTheirWayOutCountWithTheirGrowth) {
-    storage_.set(Address("bad"), Value(std::string(50000, '\xFF')));
-    serve(&storage_, "<limit name=\"max_message_size\">100000</limit>");
+    storage_.set(Address("bad"), Value(std::string(kLargestReply / 2, '\xFF')));
+    serve(&storage_);
     EXPECT_EQ(client().getValue("bad").errorName, kLimitsExceeded);
     EXPECT_TRUE(client().getValue("").ok);
 }
 
-TEST_F(DBusWorkerTest, AListBeyondTheLimitIsAnErrorForThatCallAlone) {
-    for (int i = 0; i < 3000; ++i)
-        storage_.set(Address("Device.A.Rather.Long.Name." + std::to_string(i)), Value(1LL));
-    serve(&storage_, "<limit name=\"max_message_size\">100000</limit>");
+TEST_F(DBusWorkerTest, AListAbove32MiBIsAnErrorForThatCallAlone) {
+    for (char first = 'a'; first <= 'd'; ++first)
+        storage_.set(Address(first + std::string(kLargestReply / 4, 'x')), Value(1LL));
+    serve(&storage_);
     EXPECT_EQ(client().listAddresses().errorName, kLimitsExceeded);
     EXPECT_EQ(client().listParametersOnly().errorName, kLimitsExceeded);
     EXPECT_TRUE(client().getValue("").ok);
 }
 
-TEST_F(DBusWorkerTest, AReplyBeyondTheProtocolsLimitIsAnErrorForThatCallAlone) {
-    storage_.set(Address("big"), Value(std::string(1U << 27, 'x')));
-    serve(&storage_,
-          "<limit name=\"max_message_size\">1000000000</limit>"
-          "<limit name=\"max_incoming_bytes\">1000000000</limit>"
-          "<limit name=\"max_outgoing_bytes\">1000000000</limit>");
-    EXPECT_EQ(client().getValue("big").errorName, kLimitsExceeded);
-    EXPECT_TRUE(client().getValue("").ok);
+TEST_F(DBusWorkerTest, UnknownAddressesAreAddedUpTo1KiBEach) {
+    const std::string longest(1024, 'x');
+    serve(&storage_);
+    EXPECT_EQ(client().getWritable(longest + "x").text, "0");
+    EXPECT_EQ(client().getForcedInform(longest + "x").text, "0");
+    EXPECT_TRUE(client().set(longest + "x", "y").ok);
+    EXPECT_EQ(client().listAddresses().list, List{});
+    EXPECT_EQ(client().getWritable(longest).text, "0");
+    EXPECT_EQ(client().listAddresses().list, List{longest});
 }
 
-TEST_F(DBusWorkerTest, ALargeReplyBelowTheLimitArrives) {
-    storage_.set(Address("log"), Value(std::string(16U << 20, 'x')));
+TEST_F(DBusWorkerTest, UnknownAddressesAreAddedUpTo4MiBTogether) {
+    constexpr std::size_t kFit = 4096;
     serve(&storage_);
-    EXPECT_EQ(client().getValue("log").text.size(), 16U << 20);
+    for (std::size_t i = 0; i < kFit + 10; ++i) {
+        const std::string number = std::to_string(100'000 + i);
+        EXPECT_EQ(client().getWritable(number + std::string(1024 - number.size(), 'x')).text, "0");
+    }
+    EXPECT_EQ(client().getForcedInform("a").text, "0");
+    EXPECT_TRUE(client().set("b", "x").ok);
+    const List list = client().listAddresses().list;
+    ASSERT_EQ(list.size(), kFit);
+    // What is there already needs no room.
+    EXPECT_EQ(client().getWritable(list.front()).text, "0");
+    EXPECT_EQ(client().listAddresses().list, list);
+}
+
+TEST_F(DBusWorkerTest, AnAddressOfTheStoreIsServedWhateverItsLength) {
+    const std::string address(3000, 'a');
+    fill(address, Value(1LL));
+    at(address).setForcedInform(true);
+    serve(&storage_);
+    EXPECT_EQ(client().getWritable(address).text, "1");
+    EXPECT_EQ(client().getForcedInform(address).text, "1");
+    EXPECT_TRUE(client().set(address, "2").ok);
+    EXPECT_EQ(client().getValue(address).text, "2");
+}
+
+TEST_F(DBusWorkerTest, ACallThatWantsNoReplyGetsNoneButIsCarriedOut) {
+    fill("a", Value(1LL));
+    serve(&storage_);
+    for (const char* interface : {TrClient::kInterface, static_cast<const char*>(nullptr)}) {
+        EXPECT_TRUE(client().post({interface, "set", {"a", "5"}}));
+        EXPECT_TRUE(client().post({interface, "set", {"a", "no number"}}));
+        EXPECT_TRUE(client().post({interface, "getWritable", {"b"}}));
+        EXPECT_TRUE(client().post({interface, "getForcedInform", {"c"}}));
+        for (const char* member : {"get_value", "listAddresses", "updateNotifTable", "Introspect",
+                                   "nonsense", "GetMachineId"})
+            EXPECT_TRUE(client().post({interface, member, {"a"}}));
+    }
+    EXPECT_EQ(client().getValue("a").text, "5");
+    EXPECT_EQ(client().listAddresses().list, (List{"a", "b", "c"}));
+    EXPECT_EQ(client().strayReplies(), 0U);
+}
+
+TEST_F(DBusWorkerTest, ReadingWithoutAReplyRunsNoCommand) {
+    fill("a", Value(std::string()));
+    at("a").setPathInConfig("easycwmp.@local[0].a");
+    serve(&storage_);
+    EXPECT_TRUE(client().post({TrClient::kInterface, "get_value", {"a"}}));
+    EXPECT_TRUE(client().getValue("").ok);
+    EXPECT_TRUE(box::calls("uci").empty());
+}
+
+TEST_F(DBusWorkerTest, AReplyThatMemoryDoesNotSufficeForIsAnError) {
+    storage_.set(Address("a"), Value(std::string(LibdbusFaults::kUnappendable)));
+    storage_.set(Address("b"), Value(1LL));
+    serve(&storage_);
+    EXPECT_EQ(client().getValue("a").errorName, kNoMemory);
+    EXPECT_EQ(client().listAddresses().list, (List{"a", "b"}));
+    {
+        const pthread_helper::scoped_lock lock(storage_.getStorageMutex());
+        storage_.set(Address(LibdbusFaults::kUnappendable), Value(1LL));
+    }
+    EXPECT_EQ(client().listAddresses().errorName, kNoMemory);
+    EXPECT_EQ(client().listParametersOnly().errorName, kNoMemory);
+    EXPECT_EQ(client().getValue("b").text, "1");
+}
+
+TEST_F(DBusWorkerTest, WithoutMemoryForAnErrorEitherTheBusIsGivenUp) {
+    storage_.set(Address("a"), Value(std::string(LibdbusFaults::kUnappendable)));
+    serve(&storage_);
+    const LibdbusFaults::NoErrors noErrors;
+    EXPECT_FALSE(client().getValue("a").ok);
+    EXPECT_TRUE(box::waitUntil([&] { return worker_->isBusLost() && worker_->hasCompleted(); }));
+}
+
+// Two hundred megabytes of replies are more than the bus takes for one client.
+TEST_F(DBusWorkerTest, ABusThatReadsNoMoreDoesNotHoldUpTheStop) {
+    storage_.set(Address("log"), Value(std::string(2U << 20, 'x')));
+    serve(&storage_);
+    std::vector<TrClient::Pending> calls;
+    for (int i = 0; i < 100; ++i) calls.push_back(client().sendGetValue("log"));
+    TrClient bus(bus_->address(), "org.freedesktop.DBus");
+    const std::string status = "/proc/" + std::to_string(bus.ownerPid()) + "/statm";
+    ASSERT_TRUE(
+        box::waitUntil([&] { return std::stoull(box::readFile(status)) * 4096 > 127ULL << 20; }));
+    worker_->stop();
+    EXPECT_TRUE(worker_->hasCompleted());
+    EXPECT_FALSE(worker_->isBusLost());
 }
 
 TEST_F(DBusWorkerTest, TheNotificationTableIsReloadedAndItsChangesFetched) {
@@ -272,14 +365,14 @@ TEST_F(DBusWorkerTest, AStopAtAnyPointOfTheStartEndsTheThread) {
     }
 }
 
-TEST_F(DBusWorkerTest, ALostBusEndsTheThreadAndIsTold) {
+TEST_F(DBusWorkerTest, ALostBusEndsTheThreadAndIsReported) {
     serve(&storage_);
     EXPECT_FALSE(worker_->isBusLost());
     bus_->kill();
     EXPECT_TRUE(box::waitUntil([&] { return worker_->isBusLost() && worker_->hasCompleted(); }));
 }
 
-TEST_F(DBusWorkerTest, ALostBusIsToldWhileACallIsHeldUp) {
+TEST_F(DBusWorkerTest, ALostBusIsReportedWhileACallIsHeldUp) {
     serve(&storage_);
     {
         const pthread_helper::scoped_lock lock(storage_.getStorageMutex());
