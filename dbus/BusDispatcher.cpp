@@ -81,10 +81,10 @@ void BusDispatcher::waitAndHandle() {
     const bool isSending = enabledWatch(DBUS_WATCH_WRITABLE) != nullptr;
     const bool mayRead = !isSending && enabledWatch(DBUS_WATCH_READABLE) != nullptr;
     const int wanted = POLLRDHUP | (isSending ? POLLOUT : 0) | (mayRead ? POLLIN : 0);
-    pollfd polled[] = {{wakeDescriptor_, POLLIN, 0},
-                       {busDescriptor_, static_cast<short>(wanted), 0}};
     if (watches_.empty()) busLost_ = true;
     if (busLost_) return;
+    pollfd polled[] = {{wakeDescriptor_, POLLIN, 0},
+                       {watches_.front()->descriptor(), static_cast<short>(wanted), 0}};
     if (poll(polled, std::size(polled), -1) < 0) {
         busLost_ = errno != EINTR;
         return;

@@ -64,7 +64,7 @@ class BusDispatcher : public DBus::BusDispatcher {
     /// Guards the descriptor: libdbus takes its watches back before it closes it, and waits here
     /// while another thread looks at it.
     pthread_helper::mutex descriptorMutex_;
-    int busDescriptor_ = -1;  ///< libdbus's, borrowed
+    int busDescriptor_ KELM_GUARDED_BY(descriptorMutex_) = -1;  ///< libdbus's, borrowed
 };
 
 }  // namespace TR

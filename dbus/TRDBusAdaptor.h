@@ -2,6 +2,7 @@
 
 #include "TR_adaptor.h"
 #include "dbus/Libdbus.h"
+#include "model/Storage.h"
 
 #include <dbus-c++/dbus.h>
 
@@ -9,12 +10,6 @@
 #include <cstdint>
 #include <string>
 #include <vector>
-
-namespace TR {
-class Address;
-class Storage;
-class Value;
-}  // namespace TR
 
 /// Carries out the eight methods of `com.kelm.stb.TR` against the store. All of it runs on the
 /// D-Bus thread, one call at a time; each operation takes the store mutex, or the notification
@@ -63,8 +58,8 @@ class TRDBusAdaptor : public com::kelm::stb::TR_adaptor,
     TR::Libdbus::OwnedMessage replyTo(const DBus::CallMessage& call,
                                       DBus::InterfaceAdaptor& interface);
 
-    /// The entry, made when there is none and there is room; else null. Under the store mutex.
-    TR::Value* entry(const std::string& address);
+    /// The entry, made when there is none and there is room; else null.
+    TR::Value* entry(const std::string& address) KELM_REQUIRES(storage_->getStorageMutex());
     std::string flag(const std::string& address, bool (TR::Value::*isSet)() const);
     std::vector<std::string> list(std::vector<TR::Address> (TR::Storage::*addresses)() const);
 

@@ -65,9 +65,6 @@ std::string manufacturerOui(const std::string& macAddress) {
 void DeviceInfoDataProvider::init() {
     if (storage() == nullptr) return;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
-    const auto set = [this](const char* name, const Value& value) {
-        storage()->set(Address(kPrefix + name), value);
-    };
     set("", Value::Object());
     initIdentity();
     set("MemoryStatus.", Value::Object());
@@ -103,9 +100,6 @@ bool DeviceInfoDataProvider::load() {
 bool DeviceInfoDataProvider::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
-    const auto set = [this](const char* name, Value value) {
-        storage()->set(Address(kPrefix + name), std::move(value));
-    };
     set("UpTime", Value(upTime()));
     set("TemperatureStatus.TemperatureSensor.1.Value", Value(temperatureValue()));
     // Counted twice a refresh, on purpose: the second count stands.
@@ -113,6 +107,10 @@ bool DeviceInfoDataProvider::store() {
     set("ProcessStatus.ProcessNumberOfEntries", Value(processNumberOfEntries()));
     set("DeviceLog", Value(deviceLog()));
     return true;
+}
+
+void DeviceInfoDataProvider::set(const char* name, Value value) {
+    storage()->set(Address(kPrefix + name), std::move(value));
 }
 
 void DeviceInfoDataProvider::setupForcedInform(const std::string& path, const Value& value) {

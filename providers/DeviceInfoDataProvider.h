@@ -63,10 +63,12 @@ class DeviceInfoDataProvider : public BaseDataProvider {
     std::string temperatureValue() const;
     std::string deviceLog() const;
 
-    // The caller of these three holds the store mutex.
-    void initIdentity();
-    void setupForcedInform(const std::string& path, const Value& value);
-    void setupStoredInConfig(const std::string& path, const std::string& configPath);
+    void set(const char* name, Value value) KELM_REQUIRES(storage()->getStorageMutex());
+    void initIdentity() KELM_REQUIRES(storage()->getStorageMutex());
+    void setupForcedInform(const std::string& path, const Value& value)
+        KELM_REQUIRES(storage()->getStorageMutex());
+    void setupStoredInConfig(const std::string& path, const std::string& configPath)
+        KELM_REQUIRES(storage()->getStorageMutex());
 };
 
 }  // namespace TR
