@@ -5,8 +5,8 @@
 
 #include <regex.h>
 
-/// A compiled POSIX extended regular expression. A pattern that does not compile is told on stderr
-/// and leaves an object whose matches fail. match() is const and may run on several threads.
+/// A compiled POSIX extended regular expression. A pattern that does not compile is reported on
+/// stderr and leaves an object whose matches fail. match() is const and may run on several threads.
 class NSRegExp {
   public:
     explicit NSRegExp(std::string pattern);
