@@ -1,8 +1,9 @@
 # The fault tables. Their rows are cases of GoogleTest, many of which share one life of the daemon, so one CTest
 # test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
 add_executable(fault_tests ClientFaultTest.cpp CommandFaultTest.cpp DaemonTest.cpp FaultyFiles.cpp
-                           FaultyLife.cpp FileFaultTest.cpp InterruptFaultTest.cpp SystemFaultTest.cpp
-                           SystemFaults.cpp Vitals.cpp WriteFaultTest.cpp)
+                           FaultyLife.cpp FileFaultTest.cpp InterruptFaultTest.cpp SilentBusTest.cpp
+                           StartStateTest.cpp SystemFaultTest.cpp SystemFaults.cpp Vitals.cpp
+                           WriteFaultTest.cpp)
 target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
                                           kelm_warnings)
 target_include_directories(fault_tests PRIVATE ${PROJECT_SOURCE_DIR})
@@ -75,6 +76,9 @@ foreach(
   fault_group(${fault} System/*${fault})
 endforeach()
 fault_group(StepsAndStops ShimTest.*)
+fault_group(ABusIsSilent SilentBuses/*)
+fault_group(AStarterLeavesAnOddState StartStates/*:FileSizeTest.*)
+fault_group(TheLogIsNotRead LogReaderTest.*)
 # The undefined-behaviour checker looks at memory through a pipe, and takes what it cannot look at for a finding.
 if(NOT KELM_SANITIZE MATCHES undefined)
   fault_group(TheDescriptorLimitIsReached System/*TheDescriptorLimitIsReached)
