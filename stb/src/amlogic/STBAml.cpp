@@ -10,7 +10,7 @@
 namespace STBAml {
 namespace {
 
-// Field logs are searched for this place, which does not follow the code.
+// A fixed place in the log: it does not follow the code.
 constexpr const char* kSource = "src/amlogic/STBAml";
 constexpr int kCannotOpenLine = 21;
 
