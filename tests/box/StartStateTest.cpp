@@ -19,6 +19,15 @@
 
 namespace {
 
+// A sanitizer writes a file before main, and needs room on every thread's stack.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr rlim_t kSmallFile = 16;
+constexpr rlim_t kSmallStack = 4U << 20;
+#else
+constexpr rlim_t kSmallFile = 0;
+constexpr rlim_t kSmallStack = 256U << 10;
+#endif
+
 struct Row {
     const char* name;
     std::function<void()> prepare;  ///< in the daemon's process
@@ -98,10 +107,9 @@ std::vector<Row> rows() {
         {"ChildBlocked", blocking(SIGCHLD)},
         {"EverySignalBlocked", blocking(0)},
         {"FewDescriptors", limited(RLIMIT_NOFILE, 20)},
-        {"NoFileSize", limited(RLIMIT_FSIZE, 0)},
-        {"SmallFileSize", limited(RLIMIT_FSIZE, 16)},
+        {"SmallFileSize", limited(RLIMIT_FSIZE, kSmallFile)},
         {"FewProcesses", limited(RLIMIT_NPROC, 512)},
-        {"SmallStack", limited(RLIMIT_STACK, 512 * 1024)},
+        {"SmallStack", limited(RLIMIT_STACK, kSmallStack)},
         {"NoCore", limited(RLIMIT_CORE, 0)},
         {"OddLanguage", with("LANG", "xx_XX.NONSENSE")},
         {"OddLocale", with("LC_ALL", "tr_TR.UTF-8")},
