@@ -1,9 +1,8 @@
-#include "daemon/ClockStep.h"
-#include "daemon/Interrupt.h"
-#include "daemon/StopTask.h"
+#include "daemon/Process.h"
 #include "daemon/Worker.h"
 #include "dbus/DBusWorker.h"
 #include "model/Storage.h"
+#include "stb/src/common/Commands.h"
 #include "stb/src/common/STBLogger.h"
 
 #include <chrono>
@@ -11,79 +10,68 @@
 #include <cstdlib>
 #include <memory>
 
-#include <malloc.h>
 #include <unistd.h>
 
 namespace {
 
-using std::chrono::milliseconds;
-
-constexpr milliseconds kPollInterval{1000};
-constexpr milliseconds kStoppingPollInterval{50};
+constexpr std::chrono::seconds kLookInterval{1};
 constexpr int kSecondInterruptStatus = -1;  // 255 to the shell
-constexpr int kOwnMappingBytes = 1 << 20;
-constexpr int kKeptHeapBytes = 4 << 20;
 
 // What is still held at exit goes in the reverse order: the store last, both its users before it.
 std::unique_ptr<TR::Storage> storage;
 std::unique_ptr<TR::Worker> worker;
 std::unique_ptr<TR::DBusWorker> dbusWorker;
-bool stopRequested = false;  // main thread only
+// Main thread only, and a handler that interrupts it.
+volatile std::sig_atomic_t stopRequested = 0;
+volatile std::sig_atomic_t isStopping = 0;
 
-TR::StopTask& stopTask() {
-    static TR::StopTask task;
-    return task;
+// Without a destructor, which could wait for a command, and without leaving one behind.
+[[noreturn]] void endAtOnce(int status) {
+    TR::Utils::killRunningCommands();
+    _exit(status);
 }
 
+// Either stop may take as long as a command: from here on a SIGINT runs the handler at once.
 void stopThreads() {
+    isStopping = 1;
+    TR::Process::letInterruptThrough();
     dbusWorker->stop();
     worker->stop();
 }
 
-// SIGINT is blocked in every thread; main takes it between two waits and calls this like any
-// function.
+// SIGINT is blocked until a stop begins, so main calls this for the first one between two waits. A
+// second one interrupts main, in here or in the teardown.
 void signalHandler(int) {
-    // The first stop may be waiting for a command: no destructor may join it now.
-    if (stopRequested) _exit(kSecondInterruptStatus);
-    stopRequested = true;
-    stopTask().start(stopThreads);
+    if (stopRequested != 0) endAtOnce(kSecondInterruptStatus);
+    stopRequested = 1;
+    if (isStopping == 0) stopThreads();
 }
 
-// A daemon that nobody can reach is of no use: its supervisor is to start another one. Nothing
-// waits to be written, and a worker in a slow command is not waited for.
+// A daemon that nobody can reach is of no use: its supervisor starts another one. A worker in a
+// slow command is not waited for.
 [[noreturn]] void exitWithoutBus() {
     STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, "daemon/main",
                   "The connection to the session bus is lost, exiting");
-    _exit(EXIT_FAILURE);
+    endAtOnce(EXIT_FAILURE);
 }
 
 void waitForEnd() {
-    TR::ClockStep clockStep;
-    while (worker->isOnline() || stopTask().isUnderWay()) {
-        if (TR::Interrupt::wait(stopRequested ? kStoppingPollInterval : kPollInterval))
+    while (worker->isOnline()) {
+        if (TR::Process::waitForInterrupt(kLookInterval)) {
             signalHandler(SIGINT);
-        if (!stopRequested && dbusWorker->isBusLost()) exitWithoutBus();
-        if (clockStep.shouldWakeSleepers()) worker->notify();
+            return;
+        }
+        if (dbusWorker->isBusLost()) exitWithoutBus();
+        // It sleeps by the wall clock, which may have been stepped back by an hour.
+        worker->notify();
     }
-}
-
-// The system log comes and goes by the megabyte. Left alone, the C library takes such blocks from
-// the heap once it has seen one freed, where they leave holes of their size for good. What a long
-// list took, on the other hand, is kept for the next one: fetching it anew costs more than the
-// list.
-void setUpHeap() {
-#ifdef M_MMAP_THRESHOLD
-    // Before any thread is started; NOLINTNEXTLINE(concurrency-mt-unsafe)
-    mallopt(M_MMAP_THRESHOLD, kOwnMappingBytes);
-    mallopt(M_TRIM_THRESHOLD, kKeptHeapBytes);  // NOLINT(concurrency-mt-unsafe)
-#endif
+    stopThreads();  // the worker has ended by itself
 }
 
 }  // namespace
 
 int main() {
-    setUpHeap();
-    TR::Interrupt::block();
+    TR::Process::setUp();
     storage = std::make_unique<TR::Storage>();
     worker = std::make_unique<TR::Worker>(storage.get());
     dbusWorker = std::make_unique<TR::DBusWorker>(storage.get());
@@ -92,12 +80,13 @@ int main() {
     dbusWorker->start();
 
     waitForEnd();
-    const bool wasAskedToStop = stopRequested;
-    if (!wasAskedToStop)
-        signalHandler(SIGINT);  // the worker has failed: stop the rest in the same way
-    waitForEnd();
+    if (dbusWorker->isConnecting()) {
+        // A silent bus holds the D-Bus thread inside libdbus, where it still uses these two.
+        worker.reset();
+        endAtOnce(EXIT_SUCCESS);
+    }
     dbusWorker.reset();
     worker.reset();
     storage.reset();
-    return wasAskedToStop ? EXIT_SUCCESS : EXIT_FAILURE;
+    return EXIT_SUCCESS;
 }

@@ -4,13 +4,20 @@
 #include "dbus/TRDBusAdaptor.h"
 #include "stb/src/common/STBLogger.h"
 
+#include <chrono>
 #include <string>
+#include <thread>
 
 namespace TR {
 
 namespace {
 
+using std::chrono::milliseconds;
+
 constexpr char kServiceName[] = "com.kelm.stb.TR";
+constexpr char kSource[] = "dbus/DBusWorker";
+constexpr milliseconds kConnectingPatience{500};
+constexpr milliseconds kLookInterval{10};
 
 std::string nameOwner(DBus::Connection& connection) {
     DBus::CallMessage call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
@@ -20,13 +27,25 @@ std::string nameOwner(DBus::Connection& connection) {
     return connection.send_blocking(call).reader().get_string();
 }
 
-// The request succeeds also when the name is somebody else's; only its owner tells.
+// The request succeeds also when the name is somebody else's; only its owner shows it.
 void warnWhenNameIsTaken(DBus::Connection& connection) {
     const std::string owner = nameOwner(connection);
     if (owner == connection.unique_name()) return;
-    STBLogger_log(kelmLogParams(), "", STBLogLevel::Warn, __LINE__, "dbus/DBusWorker",
+    STBLogger_log(kelmLogParams(), "", STBLogLevel::Warn, __LINE__, kSource,
                   "The name %s is owned by %s; serving as %s only", kServiceName, owner.c_str(),
                   connection.unique_name());
+}
+
+// The object is served whatever the bus answers: a client that knows the unique name reaches it.
+void takeName(DBus::Connection& connection) {
+    try {
+        connection.request_name(kServiceName, 0);
+        warnWhenNameIsTaken(connection);
+    } catch (const DBus::Error& error) {
+        STBLogger_log(kelmLogParams(), "", STBLogLevel::Warn, __LINE__, kSource,
+                      "The name %s is not certain: %s; serving as %s at least", kServiceName,
+                      error.what(), connection.unique_name());
+    }
 }
 
 }  // namespace
@@ -43,12 +62,19 @@ DBusWorker::~DBusWorker() {
 }
 
 void DBusWorker::start() {
-    if (!isRunning()) dispatcher_.rearm();
+    if (!isRunning()) {
+        dispatcher_.rearm();
+        isServing_ = false;
+    }
     startThread(nullptr);
 }
 
 void DBusWorker::stop() {
     dispatcher_.leave();
+    for (auto left = kConnectingPatience; isConnecting(); left -= kLookInterval) {
+        if (left <= milliseconds::zero()) return;
+        std::this_thread::sleep_for(kLookInterval);
+    }
     stopThread();
 }
 
@@ -56,9 +82,9 @@ void DBusWorker::run() {
     DBus::Connection connection = DBus::Connection::SessionBus();
     const IncomingFilter filter(connection, dispatcher_);  // closes it on every way out
     connection.exit_on_disconnect(false);                  // main decides how the process ends
-    connection.request_name(kServiceName, 0);
-    warnWhenNameIsTaken(connection);
+    takeName(connection);
     adaptor_ = std::make_unique<TRDBusAdaptor>(connection, storage_);
+    isServing_ = true;
     dispatcher_.enter();
 }
 

@@ -1,9 +1,10 @@
 #include "bench/cycle/Probes.h"
 
 #include <cstddef>
-#include <cstdio>
 
 #include <pthread.h>
+#include <spawn.h>
+#include <sys/wait.h>
 
 // The linker's --wrap sends the calls of the daemon's own code here and gives the real ones another
 // name; both names are the linker's.
@@ -11,14 +12,18 @@
 extern "C" {
 int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
 int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
-FILE* __real_popen(const char* command, const char* mode);
-int __real_pclose(FILE* pipe);
+int __real_posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* files,
+                       const posix_spawnattr_t* attributes, char* const arguments[],
+                       char* const environment[]);
+pid_t __real_waitpid(pid_t process, int* status, int options);
 char* __real__ZN2TR7getLogsERm(std::size_t& length);
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex);
-FILE* __wrap_popen(const char* command, const char* mode);
-int __wrap_pclose(FILE* pipe);
+int __wrap_posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* files,
+                       const posix_spawnattr_t* attributes, char* const arguments[],
+                       char* const environment[]);
+pid_t __wrap_waitpid(pid_t process, int* status, int options);
 char* __wrap__ZN2TR7getLogsERm(std::size_t& length);
 }
 
@@ -56,13 +61,15 @@ int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
     return __real_pthread_mutex_unlock(mutex);
 }
 
-FILE* __wrap_popen(const char* command, const char* mode) {
+int __wrap_posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* files,
+                       const posix_spawnattr_t* attributes, char* const arguments[],
+                       char* const environment[]) {
     commandSince = Clock::now();
-    return __real_popen(command, mode);
+    return __real_posix_spawn(process, path, files, attributes, arguments, environment);
 }
 
-int __wrap_pclose(FILE* pipe) {
-    const int result = __real_pclose(pipe);
+pid_t __wrap_waitpid(pid_t process, int* status, int options) {
+    const pid_t result = __real_waitpid(process, status, options);
     addIfLocked(bench::probes().commands, commandSince);
     return result;
 }

@@ -6,9 +6,10 @@ void DaemonTest::startBus(const std::string& limits) {
     bus_ = std::make_unique<PrivateBus>(limits);
 }
 
-void DaemonTest::launch(const Child::Environment& environment) {
+void DaemonTest::launch(const Child::Environment& environment,
+                        const std::function<void()>& prepare) {
     daemon_ = std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM},
-                                      "/tmp/daemon-output", environment);
+                                      "/tmp/daemon-output", environment, prepare);
 }
 
 void DaemonTest::start(const std::string& limits) {

@@ -7,22 +7,23 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-/// The unmodified daemon in the box, with a session bus of its own, spoken to over D-Bus only.
+/// The unmodified daemon in the box, on its own session bus, spoken to over D-Bus only.
 class DaemonTest : public ::testing::Test {
   protected:
     void startBus(const std::string& limits = "");
-    /// Starts the program and returns at once.
-    void launch(const Child::Environment& environment = {});
+    /// Starts the program and returns at once; \p prepare runs in its process before it.
+    void launch(const Child::Environment& environment = {},
+                const std::function<void()>& prepare = {});
     /// Starts bus and daemon and waits for the end of the first cycle.
     void start(const std::string& limits = "");
     void connect();
     void waitForFirstCycle();
-    /// Waits until that many cycles have begun and ended from here on; told by the calls of ps, two
-    /// a cycle.
+    /// Waits until that many cycles have begun and ended from here on; each calls ps twice.
     void waitForCycles(std::size_t count);
 
     Child& daemon() { return *daemon_; }
@@ -33,7 +34,7 @@ class DaemonTest : public ::testing::Test {
 
     /// Makes the CWMP client's file list these parameters and has the daemon read it.
     void watch(const std::vector<std::string>& parameters);
-    /// The line that tells the client of a watched parameter's new value.
+    /// The line with which the client learns a watched parameter's new value.
     static std::string change(const std::string& parameter, const std::string& value);
 
     /// The daemon has stopped in order, with this status.

@@ -2,8 +2,9 @@
 # test is all the rows of one life: `fault_group(NAME FILTER)` runs the cases that the filter takes.
 add_executable(fault_tests ClientFaultTest.cpp CommandFaultTest.cpp DaemonTest.cpp FaultyFiles.cpp
                            FaultyLife.cpp FileFaultTest.cpp InterruptFaultTest.cpp MessageFuzzTest.cpp
-                           RandomMessages.cpp SystemFaultTest.cpp
-                           SystemFaults.cpp Vitals.cpp WriteFaultTest.cpp)
+                           RandomMessages.cpp SilentBusTest.cpp
+                           StartStateTest.cpp SystemFaultTest.cpp SystemFaults.cpp Vitals.cpp
+                           WriteFaultTest.cpp)
 target_link_libraries(fault_tests PRIVATE boxsupport trclient GTest::gtest GTest::gtest_main
                                           kelm_warnings)
 target_include_directories(fault_tests PRIVATE ${PROJECT_SOURCE_DIR})
@@ -77,6 +78,9 @@ foreach(
   fault_group(${fault} System/*${fault})
 endforeach()
 fault_group(StepsAndStops ShimTest.*)
+fault_group(ABusIsSilent SilentBuses/*)
+fault_group(AStarterLeavesAnOddState StartStates/*:FileSizeTest.*)
+fault_group(TheLogIsNotRead LogReaderTest.*)
 # The undefined-behaviour checker looks at memory through a pipe, and takes what it cannot look at for a finding.
 if(NOT KELM_SANITIZE MATCHES undefined)
   fault_group(TheDescriptorLimitIsReached System/*TheDescriptorLimitIsReached)

@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -98,7 +97,7 @@ Disturbance until(Action action) {
 
 constexpr const char* kCommands[] = {"uci", "ubus", "iw", "ps", "netstat", "sysctl", "chipid_tool"};
 
-Disturbance mendCommands() {
+Disturbance repairedCommands() {
     return until([] {
         for (const char* command : kCommands) box::setFault(command, "");
     });
@@ -109,21 +108,21 @@ Disturbance failingCommands(Random& random) {
         "",     "exit 1", "silent", "garbage",      "flood",
         "line", "noeol",  "slow 1", "closeearly 1", "background 1"};
     for (const char* command : kCommands) box::setFault(command, anyOf(kFaults, random));
-    return mendCommands();
+    return repairedCommands();
 }
 
-// One of those that every cycle runs; whoever kills it comes late.
+// One of those that every cycle runs; the watchdog that kills it comes late.
 Disturbance hangingCommand(const Round& round) {
     box::setFault(anyOf(std::vector<const char*>{"iw", "ps", "netstat", "ubus"}, round.random),
                   "hang");
     auto watchdog = std::make_shared<Repeating>(
         [daemon = round.daemon] { faults::killHangingCommands(daemon); }, seconds(1));
-    return all({watchdog, mendCommands()});
+    return all({watchdog, repairedCommands()});
 }
 
 Disturbance slowUbus(Random&) {
     box::setFault("ubus", "slow 1");
-    return mendCommands();
+    return repairedCommands();
 }
 
 Disturbance failingFiles(Random& random) {
@@ -170,7 +169,7 @@ Disturbance rewrittenNotificationFile(const Round& round) {
     return all({file, reader});
 }
 
-// Gone at a moment of its own, before or after SIGINT; there again for the next round.
+// Gone at a random moment, before or after SIGINT; there again for the next round.
 Disturbance busThatGoes(const Round& round) {
     auto killer = std::make_shared<std::thread>([&bus = round.bus, delay = anyDelay(round.random)] {
         std::this_thread::sleep_for(delay);
@@ -273,7 +272,7 @@ std::vector<Row> rows() {
         {"HundredsOfInterfaces", {}, manyInterfaces},
         {"AFullDisk", {}, fullDisk},
         {"FewDescriptors", {}, fewDescriptors},
-        {"LittleMemory", {}, littleMemory, false, 1},
+        {"LittleMemory", {}, littleMemory},
     };
 }
 
@@ -282,14 +281,6 @@ std::vector<std::string> namesIn(const std::string& folder) {
     for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path());
     std::sort(names.begin(), names.end());
     return names;
-}
-
-std::size_t processCount() {
-    std::size_t count = 0;
-    for (const auto& entry : fs::directory_iterator("/proc"))
-        if (std::isdigit(static_cast<unsigned char>(entry.path().filename().string()[0])) != 0)
-            ++count;
-    return count;
 }
 
 class InterruptFaultTest : public DaemonTest, public ::testing::WithParamInterface<Row> {

@@ -1,6 +1,7 @@
 #include "tests/box/Vitals.h"
 
 #include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -84,4 +85,12 @@ std::vector<pid_t> descendantsOf(pid_t pid) {
         all.insert(all.end(), next.begin(), next.end());
     }
     return all;
+}
+
+std::size_t processCount() {
+    std::size_t count = 0;
+    for (const auto& entry : fs::directory_iterator("/proc"))
+        if (std::isdigit(static_cast<unsigned char>(entry.path().filename().string()[0])) != 0)
+            ++count;
+    return count;
 }

@@ -22,10 +22,13 @@ struct Vitals {
 Vitals vitalsOf(pid_t pid);
 /// The most memory that it has had resident so far.
 std::size_t peakKiBOf(pid_t pid);
-/// The same at rest: without what it holds for the moment only, a command's pipe or a file that it
+/// The same at rest: without what it holds for a moment only, a command's pipe or a file that it
 /// reads.
 Vitals quietVitalsOf(pid_t pid);
 std::ostream& operator<<(std::ostream& stream, const Vitals& vitals);
 
 /// Its children, their children and so on.
 std::vector<pid_t> descendantsOf(pid_t pid);
+
+/// All processes of the box.
+std::size_t processCount();

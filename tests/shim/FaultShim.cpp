@@ -8,7 +8,6 @@
 // Built without sanitizers; the commands that the daemon runs inherit it and are not harmed.
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
@@ -16,6 +15,7 @@
 #include <fcntl.h>
 #include <ifaddrs.h>
 #include <pthread.h>
+#include <spawn.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -136,18 +136,11 @@ int getifaddrs(ifaddrs** list) noexcept {
     return -1;
 }
 
-FILE* popen(const char* command, const char* mode) {
-    static const auto realPopen = real<FILE* (*)(const char*, const char*)>("popen");
-    if (!noProcesses()) return realPopen(command, mode);
-    errno = EAGAIN;
-    return nullptr;
-}
-
-pid_t fork() noexcept {
-    static const auto realFork = real<pid_t (*)()>("fork");
-    if (!noProcesses()) return realFork();
-    errno = EAGAIN;
-    return -1;
+int posix_spawn(pid_t* process, const char* path, const posix_spawn_file_actions_t* files,
+                const posix_spawnattr_t* attributes, char* const arguments[],
+                char* const environment[]) noexcept {
+    static const auto spawn = real<decltype(&posix_spawn)>("posix_spawn");
+    return noProcesses() ? EAGAIN : spawn(process, path, files, attributes, arguments, environment);
 }
 
 int pthread_create(pthread_t* id, const pthread_attr_t* attributes, void* (*routine)(void*),

@@ -20,7 +20,8 @@ namespace {
 constexpr int kCannotRun = 127;
 
 [[noreturn]] void become(const std::vector<std::string>& command, const std::string& output,
-                         const Child::Environment& environment) {
+                         const Child::Environment& environment,
+                         const std::function<void()>& prepare) {
     const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     dup2(file, STDOUT_FILENO);
     dup2(file, STDERR_FILENO);
@@ -29,14 +30,16 @@ constexpr int kCannotRun = 127;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGINT, SIG_DFL);
-    becomeProgram(command, environment);
+    for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+    if (prepare) prepare();
+    becomeProgram(command, {});
 }
 
 pid_t spawn(const std::vector<std::string>& command, const std::string& output,
-            const Child::Environment& environment) {
+            const Child::Environment& environment, const std::function<void()>& prepare) {
     const pid_t pid = fork();
     if (pid < 0) throw std::system_error(errno, std::generic_category(), "fork");
-    if (pid == 0) become(command, output, environment);
+    if (pid == 0) become(command, output, environment, prepare);
     return pid;
 }
 
@@ -64,8 +67,8 @@ std::size_t threadCountOf(pid_t pid) {
 }
 
 Child::Child(const std::vector<std::string>& command, const std::string& output,
-             const Environment& environment)
-    : pid_(spawn(command, output, environment)), outputFile_(output) {}
+             const Environment& environment, const std::function<void()>& prepare)
+    : pid_(spawn(command, output, environment, prepare)), outputFile_(output) {}
 
 Child::~Child() {
     if (!isRunning()) return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -32,10 +33,11 @@ class Child {
   public:
     using Environment = std::vector<std::pair<std::string, std::string>>;
 
-    /// \p output takes standard output and standard error. Throws std::system_error when there is
-    /// no process to be had; a program that does not exist ends with status 127.
+    /// \p output takes standard output and standard error; \p prepare runs in the new process,
+    /// last before the program. Throws std::system_error when there is no process to be had; a
+    /// program that does not exist ends with status 127.
     Child(const std::vector<std::string>& command, const std::string& output,
-          const Environment& environment = {});
+          const Environment& environment = {}, const std::function<void()>& prepare = {});
     ~Child();
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;

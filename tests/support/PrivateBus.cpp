@@ -54,6 +54,14 @@ void PrivateBus::kill() {
     daemon_->waitForEnd();
 }
 
+void PrivateBus::freeze() {
+    daemon_->send(SIGSTOP);
+}
+
+void PrivateBus::wake() {
+    daemon_->send(SIGCONT);
+}
+
 void PrivateBus::start() {
     std::filesystem::remove(kSocket);
     daemon_ =

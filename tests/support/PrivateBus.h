@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-/// A session bus of a test's own, inside the box. Its address is in DBUS_SESSION_BUS_ADDRESS as
+/// A test's own session bus, inside the box. Its address is in DBUS_SESSION_BUS_ADDRESS as
 /// long as the object lives, also while the bus itself is down.
 class PrivateBus {
   public:
@@ -19,6 +19,9 @@ class PrivateBus {
     const std::string& address() const { return address_; }
     /// Ends the bus at once, as a crash would.
     void kill();
+    /// Lets it answer nobody until it is woken, without a connection being lost.
+    void freeze();
+    void wake();
     void start();
 
   private:

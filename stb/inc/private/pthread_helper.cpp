@@ -1,5 +1,6 @@
 #include "stb/inc/private/pthread_helper.h"
 
+#include "stb/src/common/Commands.h"
 #include "stb/src/common/STBBackTrace.h"
 
 #include <cerrno>
@@ -28,6 +29,7 @@ constexpr Check kThreadStarted{"res == 0", 304};
 static_assert(EBUSY == 16 && EDEADLK == 35 && ETIMEDOUT == 110 && EPERM == 1,
               "the conditions' texts spell these numbers out");
 
+constexpr int kReportSeconds = 2;
 constexpr const char* kSource = "inc/private/pthread_helper";
 constexpr const char* kRule =
     "========================================"
@@ -48,9 +50,22 @@ int initErrorChecking(pthread_mutex_t* native) {
     return result;
 }
 
+// A reader of the report that has stalled holds the printing up, but not the end of the process.
+void killItselfLater() {
+    sigevent event{};
+    event.sigev_notify = SIGEV_SIGNAL;
+    event.sigev_signo = SIGKILL;
+    timer_t timer{};
+    itimerspec time{};
+    time.it_value.tv_sec = kReportSeconds;
+    if (timer_create(CLOCK_MONOTONIC, &event, &timer) == 0) timer_settime(timer, 0, &time, nullptr);
+}
+
 }  // namespace
 
 void fail(const Check& check, int result, const void* object) {
+    TR::Utils::killRunningCommands();
+    killItselfLater();
     std::fputs(kRule, stdout);
     std::printf(" ASSERT (%s) ret=%d on %s:%d, this:%p\n", check.condition, result, kSource,
                 check.line, object);

@@ -11,15 +11,16 @@
 /// assertion report with a back-trace and kills itself.
 namespace pthread_helper {
 
-/// One verified condition. Its text and line are stable names that field logs are searched for:
-/// they do not follow the source when it moves.
+/// One verified condition. Its text and line are fixed names: they do not follow the source when it
+/// moves.
 struct Check {
     const char* condition;
     int line;
 };
 
-/// Prints the assertion report (stdout; the back-trace goes to stderr) and kills the process.
-/// `object` is the mutex, condition variable or thread record concerned.
+/// Prints the assertion report (stdout; the back-trace goes to stderr) and kills the process, two
+/// seconds later at the latest when nobody reads the report, and its running commands. `object` is
+/// the mutex, condition variable or thread record concerned.
 [[noreturn]] void fail(const Check& check, int result, const void* object);
 
 /// The checked operations on a bare error-checking mutex. unlock() accepts EPERM, see mutex.

@@ -10,7 +10,7 @@
 namespace STBAml {
 namespace {
 
-// The place that the log line names is fixed; it does not follow the code.
+// A fixed place in the log: it does not follow the code.
 constexpr const char* kSource = "src/amlogic/STBAml";
 constexpr int kCannotOpenLine = 21;
 

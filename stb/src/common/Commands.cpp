@@ -3,14 +3,14 @@
 #include "stb/src/common/Text.h"
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
+#include <ctime>
 
-#include <sys/prctl.h>
+#include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,44 +18,153 @@ namespace TR::Utils {
 namespace {
 
 constexpr std::size_t kPieceBytes = 998;
+constexpr char kNullDevice[] = "/dev/null";
+constexpr int kNoOutput = -1;
 
-struct PipeCloser {
-    void operator()(FILE* pipe) const { pclose(pipe); }
+// The process groups of the running commands, for killRunningCommands(). Two threads of the daemon
+// run commands, one at a time each.
+constexpr pid_t kFree = 0;
+constexpr pid_t kStarting = -1;
+std::array<std::atomic<pid_t>, 8> groups{};
+std::atomic<bool> isEnding{false};
+
+std::atomic<pid_t>* claimGroup() {
+    for (auto& group : groups) {
+        pid_t expected = kFree;
+        if (group.compare_exchange_strong(expected, kStarting)) return &group;
+    }
+    return nullptr;
+}
+
+/// How a command starts. The daemon itself ignores some signals and blocks others.
+class SpawnSettings {
+  public:
+    explicit SpawnSettings(int output) {
+        posix_spawn_file_actions_init(&files_);
+        posix_spawnattr_init(&attributes_);
+        // First the output: without it the daemon may have been given descriptor 0 or 2 as a pipe.
+        isComplete_ = (output == kNoOutput ? open(STDOUT_FILENO, O_WRONLY)
+                                           : posix_spawn_file_actions_adddup2(
+                                                 &files_, output, STDOUT_FILENO) == 0) &&
+                      open(STDIN_FILENO, O_RDONLY) && open(STDERR_FILENO, O_WRONLY);
+        setSignals();
+    }
+    ~SpawnSettings() {
+        posix_spawn_file_actions_destroy(&files_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+    /// The process, which leads its own group; kFree when there is none to be had.
+    pid_t spawn(const char* command) const {
+        const char* const arguments[] = {"sh", "-c", command, nullptr};
+        pid_t pid = kFree;
+        const bool isStarted =
+            isComplete_ && posix_spawn(&pid, "/bin/sh", &files_, &attributes_,
+                                       const_cast<char* const*>(arguments), environ) == 0;
+        return isStarted ? pid : kFree;
+    }
+
+  private:
+    bool open(int descriptor, int flags) {
+        return posix_spawn_file_actions_addopen(&files_, descriptor, kNullDevice, flags, 0) == 0;
+    }
+    void setSignals() {
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&attributes_, &signals);
+        sigaddset(&signals, SIGPIPE);
+        sigaddset(&signals, SIGXFSZ);
+        posix_spawnattr_setsigdefault(&attributes_, &signals);
+        posix_spawnattr_setflags(
+            &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+
+    posix_spawn_file_actions_t files_{};
+    posix_spawnattr_t attributes_{};
+    bool isComplete_ = false;
 };
 
-// The child has the daemon's descriptors too: without the daemon it must not keep its place on the
-// bus.
-[[noreturn]] void runAndExit(const char* command, pid_t parent) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(EXIT_FAILURE);
-    // glibc's system() may run on several threads; NOLINTNEXTLINE(concurrency-mt-unsafe)
-    _exit(std::system(command) == 0 ? EXIT_SUCCESS : EXIT_FAILURE);
-}
+/// One run of a command, from its start to its end, for which the destructor waits.
+class Command {
+  public:
+    Command(const std::string& text, int output) : group_(claimGroup()) {
+        if (group_ != nullptr)
+            *group_ = isEnding ? kFree : SpawnSettings(output).spawn(text.c_str());
+    }
+    ~Command() {
+        const pid_t pid = group_ == nullptr ? kFree : group_->load();
+        if (pid == kFree) return;
+        siginfo_t ignored;
+        while (waitid(P_PID, static_cast<id_t>(pid), &ignored, WEXITED | WNOWAIT) < 0 &&
+               errno == EINTR) {
+        }
+        // Before the number is free for another process, which nobody must kill.
+        *group_ = kFree;
+        while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+
+  private:
+    std::atomic<pid_t>* const group_;
+};
+
+/// The reading end of a pipe, owned.
+class ReadEnd {
+  public:
+    explicit ReadEnd(int descriptor) : descriptor_(descriptor) {}
+    ~ReadEnd() { close(descriptor_); }
+    ReadEnd(const ReadEnd&) = delete;
+    ReadEnd& operator=(const ReadEnd&) = delete;
+
+    std::string readAll() const {
+        std::string content;
+        std::array<char, kPieceBytes> piece{};
+        while (true) {
+            const ssize_t count = read(descriptor_, piece.data(), piece.size());
+            if (count < 0 && errno == EINTR) continue;
+            if (count <= 0) return content;
+            content.append(piece.data(), static_cast<std::size_t>(count));
+        }
+    }
+
+  private:
+    const int descriptor_;
+};
 
 }  // namespace
 
 std::string getCmdOutput(const std::string& command) {
-    const std::unique_ptr<FILE, PipeCloser> pipe(popen(command.c_str(), "re"));
-    std::string output;
-    if (!pipe) return output;
-    std::array<char, kPieceBytes> piece{};
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), pipe.get()))
-        output.append(piece.data(), count);
-    return output;
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return {};
+    const Command running(command, ends[1]);
+    close(ends[1]);
+    // Closed before the wait for the command's end: one that still prints when memory runs out here
+    // gets SIGPIPE.
+    const ReadEnd output(ends[0]);
+    return output.readAll();
 }
 
 std::vector<std::string> processPipe(const std::string& command) {
     return splitLines(getCmdOutput(command), LineFeeds::Keep);
 }
 
-// system() has SIGINT ignored meanwhile, and the kernel drops one that is pending when that begins:
-// the daemon would not stop. So it runs in a process of its own, which has its signals to itself.
 void runCommand(const std::string& command) {
-    const pid_t parent = getpid();
-    const pid_t child = fork();
-    if (child == 0) runAndExit(command.c_str(), parent);
-    if (child < 0) return;
-    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    const Command running(command, kNoOutput);
+}
+
+void killRunningCommands() {
+    constexpr timespec kMillisecond{0, 1'000'000};
+    constexpr int kLongestStart = 100;  // milliseconds
+    isEnding = true;
+    for (const auto& group : groups) {
+        for (int i = 0; i < kLongestStart && group == kStarting; ++i)
+            nanosleep(&kMillisecond, nullptr);
+        const pid_t running = group;
+        if (running > kFree) kill(-running, SIGKILL);
     }
 }
 

@@ -1,7 +1,8 @@
 #include "stb/src/common/NSRegExp.h"
 
+#include "stb/src/common/STBLogSink.h"
+
 #include <cstddef>
-#include <cstdio>
 #include <utility>
 
 namespace {
@@ -25,7 +26,7 @@ NSRegExp::~NSRegExp() {
 void NSRegExp::compile() {
     compiled_ = regcomp(&expression_, pattern_.c_str(), REG_EXTENDED) == 0;
     if (!compiled_)
-        std::fprintf(stderr, "NSRegExp: Error while compiling regexp: %s\n", pattern_.c_str());
+        stb_log_sink::printLine("NSRegExp: Error while compiling regexp: %s", pattern_.c_str());
 }
 
 void NSRegExp::free() {
@@ -39,8 +40,8 @@ void NSRegExp::free() {
 bool NSRegExp::match(const std::string& text, std::vector<std::string>& groups) const {
     groups.clear();
     if (!compiled_) {
-        std::fprintf(stderr, "NSRegExp: Error while matching (invalid regexp: %s)\n",
-                     pattern_.c_str());
+        stb_log_sink::printLine("NSRegExp: Error while matching (invalid regexp: %s)",
+                                pattern_.c_str());
         return false;
     }
     std::vector<regmatch_t> found(expression_.re_nsub + 1);

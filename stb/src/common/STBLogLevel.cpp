@@ -2,63 +2,36 @@
 
 #include "stb/src/common/Text.h"
 
-namespace {
+#include <cstddef>
+#include <iterator>
 
-struct Row {
-    STBLogLevel level;
-    const char* name;
-    const char* letter;
-    int colourCode;
-    int syslogPriority;
-};
+namespace stb_log_level {
+namespace {
 
 constexpr int kNoColour = 0;
 constexpr int kRed = 31;
 constexpr int kYellow = 33;
 constexpr int kBlue = 34;
 
-// TRACE is one past the last syslog severity on purpose; syslog takes it as another facility's.
+// By the level's number. TRACE is one past the last syslog severity on purpose; syslog takes it as
+// another facility's.
 constexpr Row kRows[] = {
-    {STBLogLevel::Error, "ERROR", "E", kRed, 3},
-    {STBLogLevel::Warn, "WARN", "W", kYellow, 4},
-    {STBLogLevel::Info, "INFO", "I", kBlue, 6},
-    {STBLogLevel::Debug, "DEBUG", "D", kNoColour, 7},
-    {STBLogLevel::Trace, "TRACE", "T", kNoColour, 8},
+    {"NONE", "N", kNoColour, 5}, {"ERROR", "E", kRed, 3},      {"WARN", "W", kYellow, 4},
+    {"INFO", "I", kBlue, 6},     {"DEBUG", "D", kNoColour, 7}, {"TRACE", "T", kNoColour, 8},
 };
-
-constexpr Row kOther{STBLogLevel::None, "NONE", "N", kNoColour, 5};
-
-const Row& rowOf(STBLogLevel level) {
-    for (const Row& row : kRows)
-        if (row.level == level) return row;
-    return kOther;
-}
 
 }  // namespace
 
-namespace stb_log_level {
-
-const char* name(STBLogLevel level) {
-    return rowOf(level).name;
+const Row& rowOf(STBLogLevel level) {
+    const auto number = static_cast<std::size_t>(level);
+    return kRows[number < std::size(kRows) ? number : 0];
 }
 
 std::optional<STBLogLevel> fromName(const std::string& text) {
     const std::string upper = TR::Utils::toUpperString(text);
-    for (const Row& row : kRows)
-        if (upper == row.name) return row.level;
+    for (std::size_t number = 1; number < std::size(kRows); ++number)
+        if (upper == kRows[number].name) return static_cast<STBLogLevel>(number);
     return std::nullopt;
-}
-
-const char* letter(STBLogLevel level) {
-    return rowOf(level).letter;
-}
-
-int colourCode(STBLogLevel level) {
-    return rowOf(level).colourCode;
-}
-
-int syslogPriority(STBLogLevel level) {
-    return rowOf(level).syslogPriority;
 }
 
 }  // namespace stb_log_level

@@ -7,19 +7,22 @@
 /// not above its module's.
 enum class STBLogLevel : int { None = 0, Error, Warn, Info, Debug, Trace };
 
-/// How each level shows. Pure; values outside the enumeration give neutral answers.
 namespace stb_log_level {
 
-const char* name(STBLogLevel level);
+/// How a level shows: its name, its one-letter tag and terminal colour code in coloured lines, its
+/// syslog priority.
+struct Row {
+    const char* name;
+    const char* letter;
+    int colourCode;
+    int syslogPriority;
+};
 
-/// Without regard to case; nothing for an unknown name and for NONE: nobody silences a logger by
+/// Values outside the enumeration show as NONE.
+const Row& rowOf(STBLogLevel level);
+
+/// Without regard to case; nothing for an unknown name and for NONE, since no logger is silenced by
 /// its environment.
 std::optional<STBLogLevel> fromName(const std::string& text);
-
-/// The one-letter tag and the terminal colour code of coloured lines.
-const char* letter(STBLogLevel level);
-int colourCode(STBLogLevel level);
-
-int syslogPriority(STBLogLevel level);
 
 }  // namespace stb_log_level

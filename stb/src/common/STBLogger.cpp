@@ -1,24 +1,21 @@
 #include "stb/src/common/STBLogger.h"
 
-#include "stb/inc/private/pthread_helper.h"
 #include "stb/src/common/STBLogLine.h"
+#include "stb/src/common/STBLogSink.h"
 #include "stb/src/common/STBLoggerContainer.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
+#include <pthread.h>
 #include <syslog.h>
 
 namespace {
 
 constexpr const char* kSource = "src/common/STBLogger";
-constexpr int kUnknownLevelLine = 105;  // field logs are searched for it
+constexpr int kUnknownLevelLine = 105;  // a fixed number: it does not follow the source
 constexpr char kEscape = 27;
 constexpr int kColourReset = 0;
-
-// The loggers' own messages while they configure themselves.
-constexpr STBLoggerLogParams kOwnParams{"", "", "", 1, 1};
 
 struct ModuleVariable {
     const char* suffix;
@@ -31,12 +28,6 @@ constexpr ModuleVariable kModuleVariables[] = {
     {"_LOG_DEBUG_MODULES", STBLogLevel::Debug},
     {"_LOG_TRACE_MODULES", STBLogLevel::Trace},
 };
-
-// Never destroyed: threads may still log while the process exits.
-pthread_helper::mutex& consoleMutex() {
-    static auto& guard = *new pthread_helper::mutex;
-    return guard;
-}
 
 std::string textOrEmpty(const char* text) {
     return text == nullptr ? "" : text;
@@ -58,18 +49,8 @@ std::string baseName(const std::string& file) {
     return name.substr(0, name.rfind('.'));
 }
 
-void writeLine(const char* line) {
-    const pthread_helper::scoped_lock guard(consoleMutex());
-    std::fprintf(stderr, "%s\n", line);
-    std::fflush(stderr);
-}
-
-// The escapes stand outside the line's buffer, so that a long message cannot cut the reset off and
-// leave the terminal coloured.
-void writeColouredLine(const char* line, int colour) {
-    const pthread_helper::scoped_lock guard(consoleMutex());
-    std::fprintf(stderr, "%c[%dm%s%c[%dm\n", kEscape, colour, line, kEscape, kColourReset);
-    std::fflush(stderr);
+std::string colourEscape(int colour) {
+    return kEscape + ("[" + std::to_string(colour) + "m");
 }
 
 }  // namespace
@@ -84,11 +65,11 @@ void STBLogger_log(const STBLoggerLogParams& params, const char* module, STBLogL
     const STBLogger& logger = STBLoggerContainer::instance().loggerFor(params);
     va_list arguments;
     va_start(arguments, format);
-    logger.log(params, module, level, line, file, format, arguments);
+    logger.log(module, level, line, file, format, arguments);
     va_end(arguments);
 }
 
-STBLogger::STBLogger(const STBLoggerLogParams* params)
+STBLogger::STBLogger(STBLoggerLogParams* params)
     : application_(textOrEmpty(params->application)), prefix_(textOrEmpty(params->prefix)) {
     readSyslogMode();
     readLevel();
@@ -96,7 +77,7 @@ STBLogger::STBLogger(const STBLoggerLogParams* params)
     readModuleLevels();
     logOwn(STBLogLevel::Info, __LINE__,
            "Logger for application \"%s\" was successfully initialized (level:%s)",
-           application_.c_str(), stb_log_level::name(level_));
+           application_.c_str(), stb_log_level::rowOf(level_).name);
 }
 
 void STBLogger::readSyslogMode() {
@@ -113,7 +94,7 @@ void STBLogger::readLevel() {
     level_ = level.value_or(STBLogLevel::Info);
     if (!level) {
         logOwn(STBLogLevel::Error, kUnknownLevelLine, "Unknown log level: '%s', setting to '%s'",
-               wanted, stb_log_level::name(level_));
+               wanted, stb_log_level::rowOf(level_).name);
     }
 }
 
@@ -134,20 +115,19 @@ void STBLogger::setModulesSTBLogLevel(const std::string& modules, STBLogLevel le
         if (module.empty()) continue;
         moduleLevels_[module] = level;
         logOwn(STBLogLevel::Info, __LINE__, "Setting loglevel for module '%s' to '%s'",
-               module.c_str(), stb_log_level::name(level));
+               module.c_str(), stb_log_level::rowOf(level).name);
     }
 }
 
-void STBLogger::log(const STBLoggerLogParams& params, const char* module, STBLogLevel level,
-                    int line, const char* file, const char* format, va_list arguments) const {
+void STBLogger::log(const char* module, STBLogLevel level, int line, const char* file,
+                    const char* format, va_list arguments) const {
     std::string name = textOrEmpty(module);
     if (name.empty()) name = baseName(textOrEmpty(file));
     if (!accepts(name, level)) return;
-    if (syslogMode_) {
-        if (params.syslog != 0) log_send_syslog(level, format, arguments);
-    } else if (params.console != 0) {
+    if (syslogMode_)
+        log_send_syslog(name, level, line, format, arguments);
+    else
         log_print(name, level, line, format, arguments);
-    }
 }
 
 bool STBLogger::accepts(const std::string& module, STBLogLevel level) const {
@@ -158,10 +138,11 @@ bool STBLogger::accepts(const std::string& module, STBLogLevel level) const {
 
 void STBLogger::log_print(const std::string& module, STBLogLevel level, int line,
                           const char* format, va_list arguments) const {
+    const stb_log_level::Row& row = stb_log_level::rowOf(level);
     STBLogLine text;
     text.append("%s", prefix_.c_str());
     text.appendTimeOfDay();
-    text.append("%s ", colours_ ? stb_log_level::letter(level) : stb_log_level::name(level));
+    text.append("%s ", colours_ ? row.letter : row.name);
     if (threadId_) {
         // NOLINTNEXTLINE(performance-no-int-to-ptr): an id that is only printed
         text.append("%p ", reinterpret_cast<void*>(pthread_self()));
@@ -172,19 +153,21 @@ void STBLogger::log_print(const std::string& module, STBLogLevel level, int line
         text.append("[%s] ", module.c_str());
     text.append(format, arguments);
     text.dropTrailingLineFeed();
-    if (colours_)
-        writeColouredLine(text.text(), stb_log_level::colourCode(level));
-    else
-        writeLine(text.text());
+    // The escapes stand outside the line's buffer, so that a long message cannot cut the reset off
+    // and leave the terminal coloured.
+    stb_log_sink::writeLine(colours_ ? colourEscape(row.colourCode) + text.text() +
+                                           colourEscape(kColourReset)
+                                     : text.text());
 }
 
-void STBLogger::log_send_syslog(STBLogLevel level, const char* format, va_list arguments) const {
-    vsyslog(stb_log_level::syslogPriority(level), format, arguments);
+void STBLogger::log_send_syslog(const std::string&, STBLogLevel level, int, const char* format,
+                                va_list arguments) const {
+    stb_log_sink::sendSyslog(stb_log_level::rowOf(level).syslogPriority, format, arguments);
 }
 
 void STBLogger::logOwn(STBLogLevel level, int line, const char* format, ...) const {
     va_list arguments;
     va_start(arguments, format);
-    log(kOwnParams, "", level, line, kSource, format, arguments);
+    log("", level, line, kSource, format, arguments);
     va_end(arguments);
 }

@@ -6,13 +6,13 @@
 #include <map>
 #include <string>
 
-/// What a caller tells about itself with every message. The texts must outlive the call only.
+/// What a caller passes with every message. The texts must outlive the call only.
 struct STBLoggerLogParams {
     const char* prefix;
     const char* application;
     const char* category;
-    int console;  // 1: this caller's messages may go to the console
-    int syslog;   // 1: this caller's messages may go to syslog
+    int console;  // 1; without an effect
+    int syslog;   // 1; without an effect
 };
 
 /// The record under which the daemon's own code logs.
@@ -25,26 +25,28 @@ void STBLogger_log(const STBLoggerLogParams& params, const char* module, STBLogL
     __attribute__((format(printf, 6, 7)));
 
 /// The logger of one application, configured by environment variables that begin with its name.
-/// Writes each accepted message as one line to stderr or, in syslog mode, to syslog.
-//
+/// Writes each accepted message as one line to stderr or, in syslog mode, to syslog; one that would
+/// have to wait for its reader is dropped and counted (STBLogSink.h).
+///
 /// Constant after construction but for setModulesSTBLogLevel(), which must not run while other
-/// threads log. Lines of different threads never interleave: one process-wide mutex guards stderr.
+/// threads log. Lines of different threads never interleave.
 class STBLogger {
   public:
-    explicit STBLogger(const STBLoggerLogParams* params);
+    /// Borrows the record for the construction only.
+    explicit STBLogger(STBLoggerLogParams* params);
 
     /// Sets each module of a comma-separated list to the level.
     void setModulesSTBLogLevel(const std::string& modules, STBLogLevel level);
 
     /// Filters one message and hands it to log_print() or log_send_syslog().
-    void log(const STBLoggerLogParams& params, const char* module, STBLogLevel level, int line,
-             const char* file, const char* format, va_list arguments) const
-        __attribute__((format(printf, 7, 0)));
+    void log(const char* module, STBLogLevel level, int line, const char* file, const char* format,
+             va_list arguments) const __attribute__((format(printf, 6, 0)));
 
     void log_print(const std::string& module, STBLogLevel level, int line, const char* format,
                    va_list arguments) const __attribute__((format(printf, 5, 0)));
-    void log_send_syslog(STBLogLevel level, const char* format, va_list arguments) const
-        __attribute__((format(printf, 3, 0)));
+    /// syslog adds its own time and process; module and line are not sent.
+    void log_send_syslog(const std::string& module, STBLogLevel level, int line, const char* format,
+                         va_list arguments) const __attribute__((format(printf, 5, 0)));
 
   private:
     void readSyslogMode();

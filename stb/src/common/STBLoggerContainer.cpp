@@ -10,6 +10,9 @@ const STBLogger& STBLoggerContainer::loggerFor(const STBLoggerLogParams& params)
     const std::string application = params.application == nullptr ? "" : params.application;
     const pthread_helper::scoped_lock guard(mutex_);
     auto& logger = loggers_[application];
-    if (!logger) logger = std::make_unique<STBLogger>(&params);
+    if (!logger) {
+        STBLoggerLogParams own = params;
+        logger = std::make_unique<STBLogger>(&own);
+    }
     return *logger;
 }

@@ -41,18 +41,6 @@ timespec wallClockAfterMs(unsigned ms) {
     return deadline;
 }
 
-// Sets the flag on every way out of a block, a cancelled thread's forced unwinding included.
-class CompletionMark {
-  public:
-    explicit CompletionMark(std::atomic<bool>& flag) : flag_(flag) {}
-    ~CompletionMark() { flag_.store(true, std::memory_order_release); }
-    CompletionMark(const CompletionMark&) = delete;
-    CompletionMark& operator=(const CompletionMark&) = delete;
-
-  private:
-    std::atomic<bool>& flag_;
-};
-
 }  // namespace
 
 STBThread::~STBThread() {
@@ -127,11 +115,11 @@ void STBThread::setPriority(const Priority& priority) {
 
 void STBThread::thread() {
     runGuarded();
+    completed_.store(true, std::memory_order_release);
     if (auto* listener = listener_.load()) listener->onThreadCompleted(this);
 }
 
 void STBThread::runGuarded() {
-    const CompletionMark mark(completed_);
     try {
         run();
     } catch (const std::exception& error) {
@@ -139,8 +127,6 @@ void STBThread::runGuarded() {
                       "Thread %p ended by an exception: %s", static_cast<void*>(this),
                       error.what());
     } catch (...) {
-        if (!std::current_exception())
-            throw;  // no C++ exception: pthread_cancel() or pthread_exit() unwinds the thread
         STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, kSource,
                       "Thread %p ended by an unknown exception", static_cast<void*>(this));
     }

@@ -8,15 +8,15 @@
 /// Base of the daemon's long-lived threads: start, stop, an interruptible sleep, a completion
 /// listener. A body loops on isRunning() with sleepMs() between its passes; stop() clears the flag,
 /// wakes the sleeper and joins.
-//
+///
 /// Any thread may call any public operation, except that the object's own thread must not stop or
 /// destroy it: a thread cannot join itself, which is fatal. The control mutex is taken before the
 /// sleep mutex, always. A failing pthread call ends the process with an assertion report.
-//
+///
 /// A derived class calls shutdown() in its destructor: until then run() may still use its members.
 class STBThread {
   public:
-    /// Told on the finished thread, after run() has returned or thrown. Must not throw, must not
+    /// Called on the finished thread, after run() has returned or thrown. Must not throw, must not
     /// stop the thread, and must outlive it.
     class OnThreadCompletedListener {
       public:
@@ -33,7 +33,8 @@ class STBThread {
     STBThread(const STBThread&) = delete;
     STBThread& operator=(const STBThread&) = delete;
 
-    /// The thread's body. An exception that leaves it is logged and ends this thread only.
+    /// The thread's body. An exception that leaves it is logged and ends this thread only;
+    /// pthread_exit() and pthread_cancel() would end the process.
     virtual void run() = 0;
 
     /// Borrows the listener (may be null), also when the thread is already running.
@@ -65,7 +66,7 @@ class STBThread {
     void thread();
 
   protected:
-    /// stop() without a word when the thread is not running; may be called repeatedly.
+    /// stop() without a log line when the thread is not running; may be called repeatedly.
     void shutdown();
 
   private:

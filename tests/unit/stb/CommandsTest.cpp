@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <sys/resource.h>
@@ -60,9 +61,48 @@ TEST(UtilsCommandTest, ACommandThatCannotBeStartedGivesNothing) {
     EXPECT_EQ(child.out, "[][0]");
 }
 
-TEST(UtilsCommandTest, ACommandThatIsOnlyRunPrintsToTheOwnOutput) {
-    const ChildResult child = runInChild([] { runCommand("echo x; exit 3"); });
-    EXPECT_EQ(child.out, "x\n");
+TEST(UtilsCommandTest, WhatACommandPrintsElsewhereIsDropped) {
+    const ChildResult child = runInChild([] {
+        runCommand("echo x; echo y >&2; exit 3");
+        getCmdOutput("cat; echo z >&2");
+    });
+    EXPECT_TRUE(child.exitedWith(0));
+    EXPECT_EQ(child.out + child.err, "");
+}
+
+TEST(UtilsCommandTest, ACommandStartsWithDefaultSignalsInItsOwnGroup) {
+    const ChildResult child = runInChild([] {
+        for (const int ignored : {SIGPIPE, SIGXFSZ}) std::signal(ignored, SIG_IGN);
+        sigset_t blocked;
+        sigfillset(&blocked);
+        sigprocmask(SIG_SETMASK, &blocked, nullptr);
+        std::fputs(getCmdOutput("trap 'echo PIPE; trap - PIPE' PIPE; kill -s PIPE $$; "
+                                "(kill -s XFSZ $$); echo not reached")
+                       .c_str(),
+                   stdout);
+        std::fputs(getCmdOutput("cut -d' ' -f5 /proc/$$/stat | grep -cx $$").c_str(), stdout);
+    });
+    EXPECT_EQ(child.out, "PIPE\n1\n");
+}
+
+TEST(UtilsCommandTest, RunningCommandsAreKilledWithAllThatTheyStarted) {
+    const ChildResult child = runInChild([] {
+        int ends[2];
+        if (pipe(ends) != 0) return;  // inherited: its end shows that everybody is gone
+        const std::string hold = " >&" + std::to_string(ends[1]) + " & ";
+        std::thread first([&] { getCmdOutput("echo x" + hold + "sleep 1000" + hold + "wait"); });
+        std::thread second([&] { runCommand("echo x" + hold + "sleep 1000" + hold + "wait"); });
+        char x = 0;
+        for (int i = 0; i < 4; ++i) i += read(ends[0], &x, 1) == 1 ? 1 : 0;
+        killRunningCommands();
+        first.join();
+        second.join();
+        close(ends[1]);
+        while (read(ends[0], &x, 1) > 0) {
+        }
+        std::printf("gone [%s]", getCmdOutput("echo x").c_str());
+    });
+    EXPECT_EQ(child.out, "gone []");
 }
 
 TEST(UtilsCommandTest, RunningACommandLosesNoPendingInterrupt) {

@@ -11,8 +11,10 @@
 #include <string>
 #include <thread>
 
+#include <fcntl.h>
 #include <linux/futex.h>
 #include <pthread.h>
+#include <unistd.h>
 
 namespace {
 
@@ -124,6 +126,20 @@ TEST(PthreadHelperTest, AReportReachesAPipeCompletely) {
     });
     EXPECT_TRUE(child.wasKilledBy(SIGKILL));
     EXPECT_EQ(child.out, "buffered before\n" + report("(res == 0) ret=11", 304, &object));
+}
+
+TEST(PthreadHelperTest, AReportThatNobodyReadsEndsTheProcessAllTheSame) {
+    const ChildResult child = runInChild([] {
+        int ends[2];
+        if (pipe(ends) != 0) return;
+        fcntl(ends[1], F_SETFL, O_NONBLOCK);
+        while (write(ends[1], "full", 4) > 0) {
+        }
+        fcntl(ends[1], F_SETFL, 0);
+        dup2(ends[1], STDOUT_FILENO);
+        pthread_helper::fail({"res == 0", 304}, 11, nullptr);
+    });
+    EXPECT_TRUE(child.wasKilledBy(SIGKILL));
 }
 
 TEST(PthreadHelperTest, UnlockingAMutexThatTheCallerDoesNotHoldIsAccepted) {

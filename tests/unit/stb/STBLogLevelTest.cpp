@@ -17,7 +17,7 @@ TEST(STBLogLevelTest, LevelsAreNumberedByVerbosity) {
 
 TEST(STBLogLevelTest, EveryLevelHasItsName) {
     const char* const names[] = {"NONE", "ERROR", "WARN", "INFO", "DEBUG", "TRACE"};
-    for (std::size_t i = 0; i < 6; ++i) EXPECT_STREQ(stb_log_level::name(kAll[i]), names[i]);
+    for (std::size_t i = 0; i < 6; ++i) EXPECT_STREQ(stb_log_level::rowOf(kAll[i]).name, names[i]);
 }
 
 TEST(STBLogLevelTest, NamesAreReadWithoutRegardToCase) {
@@ -28,7 +28,7 @@ TEST(STBLogLevelTest, NamesAreReadWithoutRegardToCase) {
     EXPECT_EQ(stb_log_level::fromName("info"), STBLogLevel::Info);
 }
 
-TEST(STBLogLevelTest, NoneAndUnknownNamesAreNoLevels) {
+TEST(STBLogLevelTest, NoneAndUnknownNamesAreNotLevels) {
     for (const char* text : {"NONE", "none", "", "WARNING", "DEBUG ", "1"})
         EXPECT_FALSE(stb_log_level::fromName(text)) << text;
 }
@@ -36,15 +36,16 @@ TEST(STBLogLevelTest, NoneAndUnknownNamesAreNoLevels) {
 TEST(STBLogLevelTest, SyslogPrioritiesFollowTheTable) {
     const int priorities[] = {5, 3, 4, 6, 7, 8};
     for (std::size_t i = 0; i < 6; ++i)
-        EXPECT_EQ(stb_log_level::syslogPriority(kAll[i]), priorities[i]);
-    EXPECT_EQ(stb_log_level::syslogPriority(static_cast<STBLogLevel>(9)), 5);
+        EXPECT_EQ(stb_log_level::rowOf(kAll[i]).syslogPriority, priorities[i]);
+    for (const int other : {-1, 6, 9})
+        EXPECT_EQ(stb_log_level::rowOf(static_cast<STBLogLevel>(other)).syslogPriority, 5);
 }
 
 TEST(STBLogLevelTest, ColoursAndLettersFollowTheTable) {
     const int codes[] = {0, 31, 33, 34, 0, 0};
     const char* const letters[] = {"N", "E", "W", "I", "D", "T"};
     for (std::size_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(stb_log_level::colourCode(kAll[i]), codes[i]);
-        EXPECT_STREQ(stb_log_level::letter(kAll[i]), letters[i]);
+        EXPECT_EQ(stb_log_level::rowOf(kAll[i]).colourCode, codes[i]);
+        EXPECT_STREQ(stb_log_level::rowOf(kAll[i]).letter, letters[i]);
     }
 }

@@ -4,13 +4,23 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <map>
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -63,7 +73,7 @@ const std::string kTraceLine = "> TIME TRACE [STBThread] t\n";
 
 }  // namespace
 
-TEST(STBLoggerTest, TheDaemonsRecordIsTheFamiliarOne) {
+TEST(STBLoggerTest, TheDaemonsRecordIsTheFixedOne) {
     const STBLoggerLogParams& params = kelmLogParams();
     EXPECT_STREQ(params.prefix, "    ");
     EXPECT_STREQ(params.application, "KELM");
@@ -233,20 +243,7 @@ TEST(STBLoggerTest, AnEmptyApplicationIsUnknownInSyslog) {
               "syslog 3: m\n");
 }
 
-TEST(STBLoggerTest, ACallersSwitchesKeepItsMessagesBack) {
-    const auto log = [] {
-        logAs(STBLogLevel::Error, "e");
-        STBLoggerLogParams mute = kApp;
-        mute.console = 0;
-        mute.syslog = 0;
-        STBLogger_log(mute, "M", STBLogLevel::Error, 1, "f", "mute");
-    };
-    EXPECT_EQ(logged({}, log), greeting("INFO") + kErrorLine);
-    EXPECT_EQ(logged({{"APP_LOG_SYSLOG", "1"}, {"APP_LOG_LEVEL", "ERROR"}}, log),
-              "openlog(null, 3, 8)\nsyslog 3: e\n");
-}
-
-TEST(STBLoggerTest, EveryApplicationHasALoggerOfItsOwn) {
+TEST(STBLoggerTest, EveryApplicationHasItsOwnLogger) {
     const auto log = [] {
         constexpr STBLoggerLogParams kOther{"", "OTHER", "", 1, 1};
         STBLogger_log(kOther, "M", STBLogLevel::Debug, 1, "f", "d");
@@ -270,7 +267,7 @@ TEST(STBLoggerTest, NullTextsAreEmptyTexts) {
 
 TEST(STBLoggerTest, LinesOfManyThreadsNeverInterleave) {
     constexpr int kThreads = 4;
-    constexpr int kLines = 250;
+    constexpr int kLines = 50;  // all of them fit a pipe, should its reader be slow
     const auto log = [] {
         std::vector<std::thread> threads;
         for (int i = 0; i < kThreads; ++i)
@@ -288,4 +285,124 @@ TEST(STBLoggerTest, LinesOfManyThreadsNeverInterleave) {
         ASSERT_EQ(line.substr(start.size()), std::string(200, line.back()));
     }
     EXPECT_EQ(lines, kThreads * kLines);
+}
+
+namespace {
+
+// A standard error that somebody else reads: the reader's end, then the writer's.
+struct Stream {
+    const char* name;
+    std::function<std::array<int, 2>()> open;
+};
+
+std::array<int, 2> openPipe() {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) std::abort();
+    return ends;
+}
+
+std::array<int, 2> openSocket() {
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0) std::abort();
+    return ends;
+}
+
+std::array<int, 2> openTerminal() {
+    const int reader = posix_openpt(O_RDWR | O_NOCTTY);
+    char name[64] = "";
+    if (grantpt(reader) != 0 || unlockpt(reader) != 0 || ptsname_r(reader, name, sizeof name) != 0)
+        std::abort();
+    return {reader, open(name, O_RDWR | O_NOCTTY)};
+}
+
+std::ostream& operator<<(std::ostream& stream, const Stream& row) {
+    return stream << row.name;
+}
+
+// What can be read until nothing comes any more for a moment; a terminal hands it on with a delay.
+std::string drained(int reader) {
+    std::string text;
+    std::array<char, 4096> piece{};
+    for (pollfd polled{reader, POLLIN, 0}; poll(&polled, 1, 50) > 0;) {
+        const ssize_t count = read(reader, piece.data(), piece.size());
+        if (count <= 0) break;
+        text.append(piece.data(), static_cast<std::size_t>(count));
+    }
+    return text;
+}
+
+// How many lines with the text are whole, and how many are counted as dropped.
+std::pair<int, int> writtenAndDropped(const std::string& log) {
+    std::istringstream lines(log);
+    const NSRegExp whole(" ERROR \\[STBThread\\] <x{200}>\r?$");
+    const NSRegExp count("^STBLogger: ([0-9]+) lines could not be written and were dropped");
+    std::pair<int, int> result;
+    std::vector<std::string> groups;
+    for (std::string line; std::getline(lines, line);) {
+        if (whole.match(line)) ++result.first;
+        if (count.match(line, groups)) result.second += std::stoi(groups[1]);
+    }
+    return result;
+}
+
+class STBLoggerReaderTest : public ::testing::TestWithParam<Stream> {};
+
+}  // namespace
+
+TEST_P(STBLoggerReaderTest, LinesThatAStalledReaderHasNoRoomForAreCounted) {
+    const ChildResult child = runInChild([] {
+        const auto [reader, writer] = GetParam().open();
+        dup2(writer, STDERR_FILENO);
+        constexpr int kLines = 5000;  // far more than any of the streams holds
+        for (int i = 0; i < kLines; ++i)
+            logAs(STBLogLevel::Error, ("<" + std::string(200, 'x') + ">").c_str());
+        std::string text = drained(reader);
+        int tries = 0;
+        for (; text.find("] after") == std::string::npos; ++tries) {
+            logAs(STBLogLevel::Error, "after");
+            text += drained(reader);
+        }
+        const auto [written, dropped] = writtenAndDropped(text);
+        std::printf("%s", written > 0 && dropped == kLines - written + tries - 1 ? "all" : "some");
+    });
+    EXPECT_TRUE(child.exitedWith(0));
+    EXPECT_EQ(child.out, "all");
+}
+
+TEST_P(STBLoggerReaderTest, AReaderThatIsGoneCostsTheLogOnly) {
+    const ChildResult child = runInChild([] {
+        const auto [reader, writer] = GetParam().open();
+        dup2(writer, STDERR_FILENO);
+        std::signal(SIGPIPE, SIG_IGN);
+        std::signal(SIGHUP, SIG_IGN);
+        close(reader);
+        for (int i = 0; i < 3; ++i) logAs(STBLogLevel::Error, "e");
+        std::printf("alive");
+    });
+    EXPECT_EQ(child.out, "alive");
+}
+
+INSTANTIATE_TEST_SUITE_P(Streams, STBLoggerReaderTest,
+                         ::testing::Values(Stream{"Pipe", openPipe}, Stream{"Socket", openSocket},
+                                           Stream{"Terminal", openTerminal}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(STBLoggerTest, LinesAndOtherOutputKeepTheirOrderInOneFile) {
+    const ChildResult child = runInChild([] {
+        FILE* const file = std::tmpfile();
+        const int before = dup(STDOUT_FILENO);
+        dup2(fileno(file), STDOUT_FILENO);
+        dup2(fileno(file), STDERR_FILENO);
+        setenv("APP_LOG_LEVEL", "ERROR", 1);
+        for (const char* text : {"1", "2"}) {
+            logAs(STBLogLevel::Error, text);
+            std::puts("other");
+            std::fflush(stdout);
+        }
+        dup2(before, STDOUT_FILENO);
+        std::rewind(file);
+        for (int byte = 0; (byte = std::fgetc(file)) != EOF;) std::putchar(byte);
+    });
+    EXPECT_EQ(withoutTimes(child.out),
+              "> TIME ERROR [STBThread] 1\nother\n> TIME ERROR [STBThread] 2\nother\n");
 }

@@ -1,0 +1,199 @@
+// What a starter may leave to the daemon: descriptors, signals, limits, surroundings.
+
+#include "tests/box/DaemonTest.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// A sanitizer writes a file before main, and needs room on every thread's stack.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr rlim_t kSmallFile = 16;
+constexpr rlim_t kSmallStack = 4U << 20;
+#else
+constexpr rlim_t kSmallFile = 0;
+constexpr rlim_t kSmallStack = 256U << 10;
+#endif
+
+struct Row {
+    const char* name;
+    std::function<void()> prepare;  ///< in the daemon's process
+};
+
+std::ostream& operator<<(std::ostream& stream, const Row& row) {
+    return stream << row.name;
+}
+
+std::function<void()> closing(std::vector<int> descriptors) {
+    return [descriptors = std::move(descriptors)] {
+        for (const int descriptor : descriptors) close(descriptor);
+    };
+}
+
+std::function<void()> ignoring(int signal) {
+    return [signal] { std::signal(signal, SIG_IGN); };
+}
+
+std::function<void()> blocking(int signal) {
+    return [signal] {
+        sigset_t set;
+        sigfillset(&set);
+        if (signal != 0) {
+            sigemptyset(&set);
+            sigaddset(&set, signal);
+        }
+        sigprocmask(SIG_SETMASK, &set, nullptr);
+    };
+}
+
+std::function<void()> limited(__rlimit_resource resource, rlim_t soft) {
+    return [resource, soft] {
+        rlimit limit{};
+        getrlimit(resource, &limit);
+        limit.rlim_cur = soft;
+        setrlimit(resource, &limit);
+    };
+}
+
+std::function<void()> with(const char* variable, std::string value) {
+    return [variable, value = std::move(value)] { setenv(variable, value.c_str(), 1); };
+}
+
+// All but the bus and what a sanitizer or a count of coverage has to know.
+void emptyEnvironment() {
+    std::vector<std::string> kept;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string text = *entry;
+        const std::string name = text.substr(0, text.find('='));
+        if (name.find("_OPTIONS") != std::string::npos || name == "DBUS_SESSION_BUS_ADDRESS" ||
+            name == "KELM_COUNTS_FOLDER")
+            kept.push_back(text);
+    }
+    clearenv();
+    for (const std::string& text : kept)
+        setenv(text.substr(0, text.find('=')).c_str(), text.substr(text.find('=') + 1).c_str(), 1);
+}
+
+void removedFolder() {
+    char folder[] = "/tmp/removed-XXXXXX";
+    if (mkdtemp(folder) == nullptr || chdir(folder) != 0 || rmdir(folder) != 0) _exit(1);
+}
+
+std::vector<Row> rows() {
+    return {
+        {"NoStandardInput", closing({0})},
+        {"NoStandardOutput", closing({1})},
+        {"NoStandardError", closing({2})},
+        {"NoInputAndError", closing({0, 2})},
+        {"NoStandardDescriptors", closing({0, 1, 2})},
+        {"InterruptIgnored", ignoring(SIGINT)},
+        {"PipeIgnored", ignoring(SIGPIPE)},
+        {"ChildIgnored", ignoring(SIGCHLD)},
+        {"InterruptBlocked", blocking(SIGINT)},
+        {"PipeBlocked", blocking(SIGPIPE)},
+        {"ChildBlocked", blocking(SIGCHLD)},
+        {"EverySignalBlocked", blocking(0)},
+        {"FewDescriptors", limited(RLIMIT_NOFILE, 20)},
+        {"SmallFileSize", limited(RLIMIT_FSIZE, kSmallFile)},
+        {"FewProcesses", limited(RLIMIT_NPROC, 512)},
+        {"SmallStack", limited(RLIMIT_STACK, kSmallStack)},
+        {"NoCore", limited(RLIMIT_CORE, 0)},
+        {"OddLanguage", with("LANG", "xx_XX.NONSENSE")},
+        {"OddLocale", with("LC_ALL", "tr_TR.UTF-8")},
+        {"CLocale", with("LC_ALL", "C")},
+        {"NoTimeZone", with("TZ", "")},
+        {"MissingTimeZone", with("TZ", ":No/Such/Zone")},
+        {"OddTimeZone", with("TZ", "<%s%n>+167:59:59")},
+        {"HugeTimeZone", with("TZ", std::string(100'000, 'Z'))},
+        {"EmptyEnvironment", emptyEnvironment},
+        {"RemovedFolder", removedFolder},
+        {"NothingMayBeCreatedReadable", [] { umask(0777); }},
+    };
+}
+
+// A daemon that may not ask who owns its name logs so. What is in the place of its standard error
+// must not take that.
+constexpr char kOwnersAreSecret[] = R"(<policy context="mandatory">
+<deny send_interface="org.freedesktop.DBus" send_member="GetNameOwner"/></policy>)";
+
+class StartStateTest : public DaemonTest, public ::testing::WithParamInterface<Row> {};
+
+TEST_P(StartStateTest, TheTreeIsPublishedAndSigintStopsInOrder) {
+    startBus(kOwnersAreSecret);
+    launch({}, GetParam().prepare);
+    waitForFirstCycle();
+    expectAnswers();
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+INSTANTIATE_TEST_SUITE_P(StartStates, StartStateTest, ::testing::ValuesIn(rows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+constexpr char kSyslogHost[] = "Device.Services.STBService.1.X_Kelm.Config.SyslogHost";
+
+class FileSizeTest : public DaemonTest {};
+
+TEST_F(FileSizeTest, ASettingBeyondTheLimitFailsAsOnAFullDisk) {
+    startBus();
+    launch({}, limited(RLIMIT_FSIZE, 8));
+    waitForFirstCycle();
+    EXPECT_TRUE(client().set(kSyslogHost, "10.1.2.3").ok);
+    EXPECT_TRUE(client().set(kSyslogHost, "a.name.that.is.longer").ok);
+    EXPECT_EQ(value(kSyslogHost), "10.1.2.3");
+    daemon().send(SIGINT);
+    expectEnd({0, 0});
+}
+
+/// A log's reader that does not read: the daemon logs that there is no bus, and lives on.
+class LogReaderTest : public DaemonTest {
+  protected:
+    void launchWithAFullPipe(bool hasReader) {
+        launch(
+            {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus"}},
+            [hasReader] {
+                int ends[2];
+                if (pipe(ends) != 0) _exit(1);
+                fcntl(ends[1], F_SETFL, O_NONBLOCK);
+                while (write(ends[1], "full", 4) > 0) {
+                }
+                fcntl(ends[1], F_SETFL, 0);
+                dup2(ends[1], STDOUT_FILENO);
+                dup2(ends[1], STDERR_FILENO);
+                close(ends[1]);
+                if (!hasReader) close(ends[0]);
+            });
+    }
+    void expectCyclesAndAnOrderlyEnd() {
+        ASSERT_TRUE(box::waitUntil([] { return box::calls("ps").size() >= 4; }));
+        daemon().send(SIGINT);
+        expectEnd({0, 0});
+    }
+};
+
+TEST_F(LogReaderTest, AStalledOneHoldsNothingUp) {
+    box::clearCalls("ps");
+    launchWithAFullPipe(true);
+    expectCyclesAndAnOrderlyEnd();
+}
+
+TEST_F(LogReaderTest, OneThatIsGoneEndsNothing) {
+    box::clearCalls("ps");
+    launchWithAFullPipe(false);
+    expectCyclesAndAnOrderlyEnd();
+}
+
+}  // namespace
