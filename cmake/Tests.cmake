@@ -4,7 +4,6 @@
 # with the reason. A cross-compiled program is started through the toolchain's emulator, in the box as well; as starting
 # is most of what that takes, the cases that need no box are one test there.
 include(GoogleTest)
-find_package(GTest REQUIRED)
 
 # GoogleTest's header and the large ones of the library, compiled once for all programs: a third of what their files
 # take to compile, which with sanitizers is minutes.

@@ -11,7 +11,7 @@ namespace trctl {
 /// How a program ends.
 constexpr int kDone = 0;
 constexpr int kRefused = 1;      ///< refused, not found, different
-constexpr int kUsage = 2;        ///< a wrong call, or a file that is none of ours
+constexpr int kUsage = 2;        ///< a wrong call, or a file that is not ours
 constexpr int kUnreachable = 3;  ///< no bus, no daemon
 
 /// What the command line asks for; each command looks at its own.
@@ -26,13 +26,15 @@ struct Options {
     bool json = false;
     bool parametersOnly = false;
     bool level = false;
+    bool isLong = false;
     bool plot = false;
     bool ascii = false;
     double intervalSeconds = 1;
+    double timeoutSeconds = 30;
 };
 
 /// Nothing when the program is to end at once with \p status: help was printed, or the call is
-/// wrong, which standard error tells.
+/// wrong and standard error has the reason.
 std::optional<Options> parseOptions(int argc, const char* const* argv, int& status);
 
 }  // namespace trctl

@@ -1,4 +1,4 @@
-# shellcheck shell=dash
+# shellcheck shell=dash disable=SC3060  # busybox replaces in strings
 # What every stand-in has in common; each begins with
 #
 #     . /usr/kelm-box/standin.sh

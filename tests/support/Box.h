@@ -14,13 +14,13 @@ void writeFile(const std::string& path, const std::string& content);
 /// Empty when there is no such file.
 std::string readFile(const std::string& path);
 
-/// The argument lines, command name first, that a stand-in was called with since `clearLog`, oldest
-/// first.
+/// The argument lines, command name first, that a stand-in was called with since `clearCalls`,
+/// oldest first.
 std::vector<std::string> calls(const std::string& command);
 void clearCalls(const std::string& command);
 
 /// Makes a stand-in misbehave from its next call on: "exit 1", "silent", "garbage", "flood",
-/// "line", "noeol", "slow 3", "hang", "closeearly", "background". An empty fault mends it.
+/// "line", "noeol", "slow 3", "hang", "closeearly", "background". An empty fault ends that.
 void setFault(const std::string& command, const std::string& fault);
 
 /// Looks again and again until the condition holds; false when it did not within the deadline.
