@@ -95,7 +95,7 @@ endif()
 foreach(
   case
   AThousandCallsInFlightAreAllAnsweredEachWithItsOwn
-  EightClientsLoseAndMixUpNothingForAMinute
+  EightClientsLoseAndMixUpNothingInTwentyThousandCalls
   ClientsThatDieInTheMiddleOfTheirCallsHarmNobody
   AClientThatNeverReadsItsRepliesHarmsNobody
   EveryWrongSignatureIsRefusedWithAndWithoutAnInterface
