@@ -4,11 +4,11 @@
 #include "tests/box/Shim.h"
 #include "tests/box/SystemFaults.h"
 #include "tests/box/Vitals.h"
+#include "tests/support/Talker.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -28,20 +28,6 @@ namespace {
 constexpr char kInvalidArguments[] = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr char kCode[] = "Device.DeviceInfo.ProvisioningCode";
 const std::string kConfig = "Device.Services.STBService.1.X_Kelm.Config.";
-
-// Texts that stay as they are as long as the box is left alone.
-constexpr std::pair<const char*, const char*> kKnown[] = {
-    {"Device.DeviceInfo.Manufacturer", "KELM"},
-    {"Device.DeviceInfo.SerialNumber", "001A2B3C4D5E"},
-    {"Device.DeviceInfo.ManufacturerOUI", "001A2B"},
-    {"Device.IP.Interface.1.Name", "eth0"},
-    {"Device.IP.Interface.2.Name", "wlan0"},
-    {"Device.Nothing", ""},
-    {"Device.DeviceInfo.ProductClass", "STB"},
-};
-const auto& known(std::size_t number) {
-    return kKnown[number % std::size(kKnown)];
-}
 
 class ClientFaultTest : public DaemonTest {
   protected:
@@ -83,49 +69,25 @@ std::string textOf(DBusPendingCall* pending) {
 
 TEST_F(ClientFaultTest, AThousandCallsInFlightAreAllAnsweredEachWithItsOwn) {
     std::vector<TrClient::Pending> calls;
-    for (std::size_t i = 0; i < 1000; ++i) calls.push_back(client().sendGetValue(known(i).first));
+    for (std::size_t i = 0; i < 1000; ++i)
+        calls.push_back(client().sendGetValue(knownParameter(i).address));
     // The last one first: what was answered meanwhile waits for whoever asked.
     for (std::size_t i = calls.size(); i-- > 0;) {
         ASSERT_NE(calls[i], nullptr);
-        EXPECT_EQ(textOf(calls[i].get()), known(i).second) << i;
+        EXPECT_EQ(textOf(calls[i].get()), knownParameter(i).text) << i;
     }
 }
-
-// One of the eight: reads what it knows and writes one setting, which no other one writes.
-class Talker {
-  public:
-    Talker(const std::string& bus, std::size_t number) : client_(bus), number_(number) {}
-
-    void talk(std::size_t rounds) {
-        static const std::array<const char*, 4> names{"UpdateType", "UpdateServer", "TimeZone",
-                                                      "ProvisionServer"};
-        for (; count_ < rounds; ++count_) {
-            const auto& [address, text] = known(number_ + count_);
-            if (client_.getValue(address).text != text) ++mistakes_;
-            if (number_ < names.size()) write(kConfig + names[number_]);
-            if (client_.listParametersOnly().list.empty()) ++mistakes_;
-        }
-    }
-    std::size_t mistakes() const { return mistakes_; }
-
-  private:
-    void write(const std::string& address) {
-        const std::string mine = std::to_string(number_) + "/" + std::to_string(count_);
-        if (!client_.set(address, mine).ok || client_.getValue(address).text != mine) ++mistakes_;
-    }
-
-    TrClient client_;
-    const std::size_t number_;
-    std::size_t count_ = 0;
-    std::size_t mistakes_ = 0;
-};
 
 TEST_F(ClientFaultTest, EightClientsLoseAndMixUpNothingInTwentyThousandCalls) {
     std::vector<std::unique_ptr<Talker>> talkers;
     for (std::size_t i = 0; i < 8; ++i)
         talkers.push_back(std::make_unique<Talker>(bus().address(), i));
     std::vector<std::thread> threads;
-    for (auto& talker : talkers) threads.emplace_back([&] { talker->talk(850); });
+    for (auto& talker : talkers) {
+        threads.emplace_back([&] {
+            while (talker->calls() < 2500) talker->talkOnce();
+        });
+    }
     for (std::thread& thread : threads) thread.join();
     for (const auto& talker : talkers) EXPECT_EQ(talker->mistakes(), 0U);
 }

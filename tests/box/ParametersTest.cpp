@@ -38,11 +38,11 @@ TEST_F(ParametersTest, AWatchedChangeRunsTheNotifyCommandOnceAndIsPendingForACyc
     EXPECT_EQ(value(rate), "100");
     watch({rate});
     box::writeFile("/sys/class/net/eth0/speed", "1000\n");
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("ubus"));
     EXPECT_EQ(client().checkValueChange().text, change(rate, "1000"));
     EXPECT_EQ(value(rate), "1000");
     EXPECT_TRUE(box::waitUntil([this] { return client().checkValueChange().text.empty(); }));
-    EXPECT_EQ(box::calls("ubus"), List{"ubus -t 1 call tr069 notify"});
+    EXPECT_EQ(box::calls("ubus"), List{box::kNotifyCommand});
 }
 
 }  // namespace

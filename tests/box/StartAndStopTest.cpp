@@ -19,7 +19,7 @@ class StartAndStopTest : public DaemonTest {
         start();
         box::setFault("ubus", "slow " + std::to_string(seconds));
         watch({"Device.DeviceInfo.UpTime"});
-        ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+        ASSERT_TRUE(box::waitForCalls("ubus"));
     }
     void expectTheSecondInterruptToEndIt() {
         daemon().send(SIGINT);
@@ -43,7 +43,7 @@ TEST_F(StartAndStopTest, AnInterruptLetsTheCycleUnderWayFinish) {
     box::setFault("ps", "slow 1");
     startBus();
     launch();
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("ps"));
     daemon().send(SIGINT);
     expectEnd({0, 0});
     EXPECT_EQ(box::calls("ps").size(), 2U);
@@ -53,7 +53,7 @@ TEST_F(StartAndStopTest, TwoInterruptsEndAtOnceWithStatus255WhileACommandIsSlow)
     box::setFault("ps", "slow 30");
     startBus();
     launch();
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("ps"));
     expectTheSecondInterruptToEndIt();
 }
 
@@ -107,7 +107,7 @@ TEST_F(StartAndStopTest, WithoutABusTheReasonIsLoggedAndTheWorkerGoesOn) {
     launch({{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus"}});
     ASSERT_TRUE(box::waitUntil([this] { return logHas("ERROR"); }));
     EXPECT_TRUE(logHas("/no/such/bus")) << daemon().output();
-    EXPECT_TRUE(box::waitUntil([] { return box::calls("ps").size() >= 4; }));
+    EXPECT_TRUE(box::waitForCalls("ps", 4));
     daemon().send(SIGINT);
     expectEnd({0, 0});
 }
@@ -148,7 +148,7 @@ TEST_F(StartAndStopTest, ABusThatDiesInTheMiddleOfACallEndsTheDaemonWithAnError)
     start();
     box::setFault("uci", "slow 20");
     const TrClient::Pending call = client().sendGetValue("Device.DeviceInfo.ProvisioningCode");
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("uci").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("uci"));
     bus().kill();
     // The call itself lasts twenty seconds; the daemon does not wait for it.
     const auto end = daemon().waitForEnd(std::chrono::seconds(10));

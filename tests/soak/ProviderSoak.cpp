@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -77,12 +78,10 @@ class AllProviders {
         network_.updateValues();
         monitoring_.updateValues();
         deviceInfo_.updateValues();
-        std::string rows;
-        for (const Address& address : storage_.listParametersOnly()) {
-            rows += R"({ "parameter": ")" + address.get() +
-                    R"(", "value": "", "notification": "2" })" + "\n";
-        }
-        box::writeFile("/tmp/.easycwmp_notif_param_value", rows);
+        std::vector<std::string> parameters;
+        for (const Address& address : storage_.listParametersOnly())
+            parameters.push_back(address.get());
+        box::writeNotificationFile(parameters);
         const pthread_helper::scoped_lock lock(storage_.getNotifTable().getMutex());
         storage_.getNotifTable().update();
     }
