@@ -1,5 +1,5 @@
 # kelm_gtest(NAME name SOURCES files... LIBS libraries... [BOX] [LABEL label] [ENVIRONMENT variable=value]): one
-# GoogleTest program, each case its own CTest test. With BOX every case is started in a virtual box of its own
+# GoogleTest program, each case its own CTest test. With BOX every case is started in its own virtual box
 # (box/box), so that it may touch the daemon's fixed paths; a host that cannot make one reports those cases as skipped,
 # with the reason. A cross-compiled program is started through the toolchain's emulator, in the box as well; as starting
 # is most of what that takes, the cases that need no box are one test there.

@@ -18,7 +18,7 @@ bool contains(const Addresses& list, const std::string& address) {
 }
 
 // What a path that is not in the list may be instead; empty when it is an object without anything
-// beneath, which is no fault.
+// beneath, which is not a fault.
 std::string faultOf(const std::string& path, const Addresses& all) {
     if (isObject(path) && contains(all, path)) return "";
     const std::string object = path + '.';

@@ -237,7 +237,7 @@ constexpr Hostile kHostile[] = {
     {"CutShort", R"(head -c 200000 /dev/urandom >kelm-trd-snapshot/noise; pack kelm-trd-snapshot
         truncate -s 100000 ../evil.tar.gz)",
      "it is damaged, or not packed with gzip"},
-    {"Empty", "pack -T /dev/null", "it is none of kelm-trd-snapshot"},
+    {"Empty", "pack -T /dev/null", "it is not from kelm-trd-snapshot"},
     {"AnotherFormat", "echo 'format 2' >kelm-trd-snapshot/about; pack kelm-trd-snapshot",
      "its format 2 is not known here"},
     {"OddInterface", R"(mkdir -p kelm-trd-snapshot/commands/1; cd kelm-trd-snapshot/commands/1

@@ -30,7 +30,7 @@ struct TrCall {
     std::string path = "/com/kelm/stb/TR";
 };
 
-/// A client of the daemon on a private connection of its own, as the CWMP client is one. Blocking;
+/// A client of the daemon on a private connection, as the CWMP client is one. Blocking;
 /// one thread at a time. Failures show in the reply, an unreachable bus and an argument that
 /// libdbus would abort on included; nothing throws.
 class TrClient {
