@@ -48,7 +48,8 @@ constexpr Loss kLosses[] = {
     const std::string text = error.message() != nullptr ? error.message() : "";
     const auto loss = std::find_if(std::begin(kLosses), std::end(kLosses),
                                    [&](const Loss& row) { return name == row.error; });
-    if (loss != std::end(kLosses)) throw Unreachable(loss->reason, loss->advice);
+    if (name == DBUS_ERROR_DISCONNECTED) throw Unreachable(loss->reason, loss->advice);
+    if (loss != std::end(kLosses)) throw NoDaemon(loss->reason, loss->advice);
     throw Refused(text + " (" + name + ")");
 }
 

@@ -18,6 +18,12 @@ class Unreachable : public std::runtime_error {
     std::string advice_;
 };
 
+/// The bus is there, and no daemon answers on it (yet).
+class NoDaemon : public Unreachable {
+  public:
+    using Unreachable::Unreachable;
+};
+
 /// The daemon answered, with an error.
 class Refused : public std::runtime_error {
   public:

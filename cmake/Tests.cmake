@@ -1,10 +1,9 @@
 # kelm_gtest(NAME name SOURCES files... LIBS libraries... [BOX] [LABEL label] [ENVIRONMENT variable=value]): one
-# GoogleTest program, each case its own CTest test. With BOX every case is started in a virtual box of its own
+# GoogleTest program, each case its own CTest test. With BOX every case is started in its own virtual box
 # (box/box), so that it may touch the daemon's fixed paths; a host that cannot make one reports those cases as skipped,
 # with the reason. A cross-compiled program is started through the toolchain's emulator, in the box as well; as starting
 # is most of what that takes, the cases that need no box are one test there.
 include(GoogleTest)
-find_package(GTest REQUIRED)
 
 # GoogleTest's header and the large ones of the library, compiled once for all programs: a third of what their files
 # take to compile, which with sanitizers is minutes.

@@ -1,5 +1,5 @@
 # Toolchain file for 32-bit ARM: a cross-compiler of this machine, headers and libraries of a sysroot, and
-# qemu's user mode emulator to run the tests. Debian's, unless told otherwise (docs/porting.md).
+# qemu's user mode emulator to run the tests. Debian's, unless set otherwise (docs/porting.md).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 

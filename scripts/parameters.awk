@@ -1,16 +1,15 @@
 # Joins a listing of the tree with the descriptions of docs/parameters.md.in and prints docs/parameters.md. The listing is
-# read first. Every complaint is printed before the exit status tells that there was one. Kept to what every awk knows:
-# no counted repetitions, no functions that one awk alone has.
+# read first. Every complaint is printed before the exit status reports one. Kept to what every awk knows:
+# no counted repetitions, no functions of a single awk.
 
 function complain(text) {
     print "parameters: " text >"/dev/stderr"
     complaints = 1
 }
 
-# What the type claims is held against the value; the bus itself tells no types.
+# A list of one integer is listed as an integer, and a text of digits too.
 function has_type(address, type) {
-    if (type == "object" || kind[address] == "object") return type == kind[address]
-    if (type == "integer") return value[address] ~ /^-?[0-9]+$/
+    if (type == "object" || kind[address] == "object" || type == "integer") return type == kind[address]
     if (type == "list of integers") return value[address] ~ /^(-?[0-9]+(, -?[0-9]+)*)?$/
     return type == "string" || type == "list of strings"
 }
@@ -40,16 +39,16 @@ function find(pattern, type, write,    i, address) {
         if (address in described) complain("described twice: " address)
         described[address] = 1
         found[++found_count] = address
-        if (!has_type(address, type)) complain(address " is no " type ": " kind[address] " " value[address])
+        if (!has_type(address, type)) complain(address " is not of type " type ": " kind[address] " " value[address])
         if (writable[address] != (write != "")) {
-            complain(address (writable[address] ? " is writable, but where to is not told" : " is not writable"))
+            complain(address (writable[address] ? " is writable, without the place that it is written to" : " is not writable"))
         }
         if (inform[address] != inform[found[1]]) complain("not in every Inform alike: " pattern)
     }
     if (found_count == 0) complain("described, but not in the tree: " pattern)
 }
 
-# Of constants the tree itself tells the value, by instance where they differ.
+# The value of a constant comes from the tree, by instance where they differ.
 function constant(pattern,    i, text, differ) {
     for (i = 2; i <= found_count; ++i) differ = differ || value[found[i]] != value[found[1]]
     if (!differ) return "constant" (value[found[1]] == "" ? ", " : " ") quoted(value[found[1]])
@@ -116,10 +115,10 @@ function end_table(    titles, row, text) {
 
 FILENAME == ARGV[1] {
     addresses[++address_count] = $1
-    writable[$1] = $2 == "writable"
-    inform[$1] = $3 == "inform"
-    kind[$1] = $4
-    value[$1] = substr($0, length($1 " " $2 " " $3 " " $4 " ") + 1)
+    writable[$1] = $2 ~ /w/
+    inform[$1] = $2 ~ /i/
+    kind[$1] = $3
+    value[$1] = substr($0, length($1 " " $2 " " $3 " ") + 1)
     next
 }
 /^\/\// { next }

@@ -1,6 +1,7 @@
 #include "trctl/Commands.h"
 
 #include "client/Json.h"
+#include "trctl/Reader.h"
 #include "trctl/SetOutcome.h"
 #include "trctl/Text.h"
 #include "trctl/Tree.h"
@@ -31,34 +32,6 @@ std::size_t widest(const Addresses& addresses) {
     for (const std::string& address : addresses)
         columns = std::max(columns, width(escaped(address)));
     return columns;
-}
-
-/// Reads value after value; one that the daemon refuses is complained of and left out.
-class Reader {
-  public:
-    explicit Reader(client::Daemon& daemon) : daemon_(daemon) {}
-
-    std::optional<std::string> value(const std::string& address) {
-        try {
-            return daemon_.value(address);
-        } catch (const client::Refused& refusal) {
-            complain(address + ": " + refusal.what());
-            status_ = kRefused;
-            return std::nullopt;
-        }
-    }
-    int status() const { return status_; }
-
-  private:
-    client::Daemon& daemon_;
-    int status_ = kDone;
-};
-
-// A terminal shows one line of a long value.
-std::string fitted(const Context& context, const std::string& text, std::size_t taken) {
-    if (!context.terminal.isTerminal()) return text;
-    const std::size_t columns = context.terminal.size().columns;
-    return shortened(text, columns > taken ? columns - taken : 0, "~");
 }
 
 void printTreeLine(Context& context, const TreeLine& line) {
@@ -93,26 +66,14 @@ std::string reasonNotToSet(client::Daemon& daemon, const std::string& path) {
     return daemon.isWritable(path) ? "" : path + " is read-only";
 }
 
-// A parameter stands for itself.
-Addresses levelOf(const Addresses& all, const Addresses& paths) {
-    if (paths.empty()) return nextLevel(all, {});
-    Addresses level;
-    for (const std::string& path : paths) {
-        Addresses more = nextLevel(all, {path});
-        if (more.empty()) more = select(all, {path}).found;
-        level.insert(level.end(), more.begin(), more.end());
-    }
-    return level;
-}
-
 struct Row {
     const char* name;
     int (*run)(Context&);
 };
 
-constexpr Row kCommands[] = {{"get", get},   {"set", set},        {"list", list},
-                             {"tree", tree}, {"info", info},      {"watch", watch},
-                             {"diff", diff}, {"changes", changes}};
+constexpr Row kCommands[] = {{"get", get},   {"set", set},   {"list", list},
+                             {"tree", tree}, {"info", info}, {"watch", watch},
+                             {"wait", wait}, {"diff", diff}, {"changes", changes}};
 
 }  // namespace
 
@@ -126,6 +87,12 @@ std::string valueOrReason(client::Daemon& daemon, const std::string& address) {
     } catch (const client::Refused& refusal) {
         return refusal.what();
     }
+}
+
+std::string fitted(const Context& context, const std::string& text, std::size_t taken) {
+    if (!context.terminal.isTerminal()) return text;
+    const std::size_t columns = context.terminal.size().columns;
+    return shortened(text, columns > taken ? columns - taken : 0, "~");
 }
 
 int complainOfUnmatched(Context& context, const Addresses& unmatched) {
@@ -182,20 +149,6 @@ int set(Context& context) {
     context.out.flush();
     if (!outcome.remark.empty()) complain(path + ": " + outcome.remark);
     return outcome.isTaken ? kDone : kRefused;
-}
-
-int list(Context& context) {
-    const Options& options = context.options;
-    const Addresses all =
-        options.parametersOnly ? context.daemon.parameters() : context.daemon.addresses();
-    const Selection selection = select(all, options.paths);
-    for (const std::string& address :
-         options.level ? levelOf(all, options.paths) : selection.found) {
-        if (options.level && options.parametersOnly && isObject(address)) continue;
-        const std::string shown = escaped(address);
-        context.out.line(isObject(address) ? context.terminal.name(shown) : shown);
-    }
-    return complainOfUnmatched(context, selection.unmatched);
 }
 
 int tree(Context& context) {

@@ -25,6 +25,7 @@ int list(Context& context);
 int tree(Context& context);
 int info(Context& context);
 int watch(Context& context);
+int wait(Context& context);
 int diff(Context& context);
 int changes(Context& context);
 
@@ -33,6 +34,9 @@ int runCommand(Context& context);
 
 /// Complains of what was not found, and says what to write instead. The exit status.
 int complainOfUnmatched(Context& context, const Addresses& unmatched);
+
+/// The text, on a terminal cut at its right edge; \p taken columns are written already.
+std::string fitted(const Context& context, const std::string& text, std::size_t taken);
 
 /// The value, or the reason why the daemon refuses it.
 std::string valueOrReason(client::Daemon& daemon, const std::string& address);

@@ -44,7 +44,8 @@ constexpr char kListExamples[] =
     "Examples:\n"
     "  trctl list\n"
     "  trctl list Device.IP. --parameters\n"
-    "  trctl list --level Device.";
+    "  trctl list --level Device.\n"
+    "  trctl list --long Device.DeviceInfo.";
 constexpr char kTreeExamples[] =
     "Examples:\n"
     "  trctl tree Device.IP.\n"
@@ -60,6 +61,12 @@ constexpr char kWatchExamples[] =
     "  trctl watch\n"
     "  trctl watch Device.IP. --interval 5\n"
     "  trctl watch --plot Device.DeviceInfo.MemoryStatus.Free";
+constexpr char kWaitExamples[] =
+    "Exit status: 0 the first cycle is over, 1 it is not in time, 3 no daemon in time.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl wait && trctl tree\n"
+    "  trctl wait --timeout 5";
 constexpr char kDiffExamples[] =
     "FILE holds what `trctl get --json` has printed; - is standard input. Lines with - are the\n"
     "file's, with + the daemon's. Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
@@ -96,6 +103,8 @@ void addReading(CLI::App& app, Options& options) {
     addPaths(list, options, "What to list; all of it otherwise");
     list->add_flag("--parameters", options.parametersOnly, "Without the objects");
     list->add_flag("--level", options.level, "Only the level right beneath PATH");
+    list->add_flag("--long", options.isLong,
+                   "With flags (w writable, i in every Inform), type and value");
 
     CLI::App* tree =
         add(app, "tree", "Draw the tree, with values beside the leaves", kTreeExamples);
@@ -106,11 +115,13 @@ void addReading(CLI::App& app, Options& options) {
     addPaths(info, options, "Parameters or objects")->required();
 }
 
-void addOthers(CLI::App& app, Options& options) {
+void addWriting(CLI::App& app, Options& options) {
     CLI::App* set = add(app, "set", "Write a parameter, and read it back", kSetExamples);
     set->add_option("PATH", options.parameter, "The parameter")->required()->type_name("");
     set->add_option("VALUE", options.value, "What to write")->required()->type_name("");
+}
 
+void addWaiting(CLI::App& app, Options& options) {
     CLI::App* watch = add(app, "watch", "Print changes as they happen", kWatchExamples);
     addPaths(watch, options, "What to look at; all of it otherwise");
     watch->add_option("--interval", options.intervalSeconds, "Seconds between two looks")
@@ -121,6 +132,14 @@ void addOthers(CLI::App& app, Options& options) {
                     "Draw one numeric parameter as a moving line; wants a terminal");
     watch->add_flag("--ascii", options.ascii, "Draw with ASCII in a UTF-8 locale too");
 
+    CLI::App* wait = add(app, "wait", "Wait for the end of the first cycle", kWaitExamples);
+    wait->add_option("--timeout", options.timeoutSeconds, "Seconds to wait for it")
+        ->check(CLI::Range(0.0, 86'400.0))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+}
+
+void addComparing(CLI::App& app, Options& options) {
     CLI::App* diff = add(app, "diff", "Compare with a saved `get --json`", kDiffExamples);
     diff->add_option("FILE", options.file, "The saved values")->required()->type_name("");
     addPaths(diff, options, "What to compare; all of it otherwise");
@@ -150,7 +169,9 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
     CLI::App app(kAbout, "trctl");
     addCommon(app, options);
     addReading(app, options);
-    addOthers(app, options);
+    addWriting(app, options);
+    addWaiting(app, options);
+    addComparing(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

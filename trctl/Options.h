@@ -26,9 +26,11 @@ struct Options {
     bool json = false;
     bool parametersOnly = false;
     bool level = false;
+    bool isLong = false;
     bool plot = false;
     bool ascii = false;
     double intervalSeconds = 1;
+    double timeoutSeconds = 30;
 };
 
 /// Nothing when the program is to end at once with \p status: help was printed, or the call is

@@ -30,9 +30,10 @@ _trctl_options() { # _trctl_options COMMAND WORD
     local common=(--help --bus --color)
     case $1 in
         get) _trctl_offer "$2" "${common[@]}" --json ;;
-        list) _trctl_offer "$2" "${common[@]}" --parameters --level ;;
+        list) _trctl_offer "$2" "${common[@]}" --parameters --level --long ;;
         tree) _trctl_offer "$2" "${common[@]}" --ascii ;;
         watch) _trctl_offer "$2" "${common[@]}" --interval --plot --ascii ;;
+        wait) _trctl_offer "$2" "${common[@]}" --timeout ;;
         "") _trctl_offer "$2" "${common[@]}" --version ;;
         *) _trctl_offer "$2" "${common[@]}" ;;
     esac
@@ -40,7 +41,7 @@ _trctl_options() { # _trctl_options COMMAND WORD
 
 _trctl() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} name='' index positionals=0
-    local names=(get set list tree info watch diff changes)
+    local names=(get set list tree info watch wait diff changes)
     COMPREPLY=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [[ ! $name && " ${names[*]} " == *" ${COMP_WORDS[index]} "* ]]; then
@@ -51,7 +52,7 @@ _trctl() {
     done
     case $previous in
         --color) _trctl_offer "$word" auto always never && return ;;
-        --bus | --interval) return ;;
+        --bus | --interval | --timeout) return ;;
     esac
     if [[ $word == -* ]]; then
         _trctl_options "$name" "$word"
@@ -59,7 +60,7 @@ _trctl() {
     fi
     case $name in
         "") _trctl_offer "$word" "${names[@]}" ;;
-        changes) ;;
+        changes | wait) ;;
         set) ((positionals > 0)) || _trctl_paths "$word" ;;
         diff)
             if ((positionals == 0)); then

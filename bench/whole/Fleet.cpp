@@ -1,6 +1,7 @@
 #include "bench/whole/Fleet.h"
 
 #include "tests/support/Box.h"
+#include "tests/support/Talker.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,14 +25,6 @@ std::uintmax_t loggedBytes() {
     std::uintmax_t bytes = 0;
     for (const auto& log : std::filesystem::directory_iterator(kCallLogs)) bytes += log.file_size();
     return bytes;
-}
-
-void waitForFirstCycle(TrClient& client) {
-    const bool done = box::waitUntil([&] {
-        const auto list = client.listParametersOnly().list;
-        return std::find(list.begin(), list.end(), "Device.DeviceInfo.DeviceLog") != list.end();
-    });
-    if (!done) fail("no first cycle");
 }
 
 // A daemon that does not get its name says under which one it serves.
@@ -83,7 +76,7 @@ Service startDaemon(const PrivateBus& bus, const std::string& output) {
     Service service;
     service.process = std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM}, output);
     service.client = std::make_unique<TrClient>(bus.address());
-    waitForFirstCycle(*service.client);
+    if (!waitForFirstCycle(*service.client)) fail("no first cycle");
     return service;
 }
 
@@ -96,7 +89,7 @@ void Fleet::startFull() {
     full.process =
         std::make_unique<Child>(std::vector<std::string>{KELM_TRD_PROGRAM}, "/tmp/full-output");
     full.client = std::make_unique<TrClient>(bus_.address(), uniqueName(*full.process));
-    waitForFirstCycle(*full.client);
+    if (!waitForFirstCycle(*full.client)) fail("no first cycle");
 }
 
 // Asking whether an unknown parameter can be written gives it an entry.

@@ -30,18 +30,14 @@ std::string megabytes(std::uint64_t kilobytes) {
     return fixed(static_cast<double>(kilobytes) / 1024, 1) + " MiB";
 }
 
-std::size_t cyclesSoFar() {
-    return box::calls("ps").size() / 2;
-}
-
 // The log grows before every cycle, so that each one finds a change.
 void letCyclesPass(const std::function<void()>& meanwhile) {
     for (int cycle = 0; cycle < kLogCycles; ++cycle) {
         std::ofstream(kLogFile, std::ios::app) << "Jan  1 12:00:01 stb daemon.info: one more\n";
-        const std::size_t goal = cyclesSoFar() + 1;
+        const std::size_t goal = box::cyclesSoFar() + 1;
         box::waitUntil([&] {
             meanwhile();
-            return cyclesSoFar() >= goal;
+            return box::cyclesSoFar() >= goal;
         });
         std::this_thread::sleep_for(std::chrono::milliseconds(500));
     }
@@ -56,9 +52,7 @@ double peakOver(const Service& service, std::uint64_t idle, double escaped, std:
 }
 
 void watchLog(TrClient& client) {
-    box::writeFile("/tmp/.easycwmp_notif_param_value",
-                   std::string(R"({ "parameter": ")") + kLogAddress +
-                       R"(", "value": "", "notification": "1", "type": "xsd:string" })" + "\n");
+    box::writeNotificationFile({kLogAddress});
     if (!client.updateNotifTable().ok) fail("no notification table");
 }
 

@@ -1,4 +1,4 @@
-# shellcheck shell=dash
+# shellcheck shell=dash disable=SC3060  # busybox replaces in strings
 # What every stand-in has in common; each begins with
 #
 #     . /usr/kelm-box/standin.sh
@@ -62,8 +62,8 @@ fail() { # fail KIND [NUMBER] -- ARGUMENT...
     esac
 }
 
-# What the command said in the box that the snapshot is of. What it was not asked there cannot be
-# told, but for uci and ubus, whose own stand-ins take what the daemon or its client sets.
+# What the command printed in the box that the snapshot is of. A call that was not made there has no
+# answer, but for uci and ubus, whose own stand-ins take what the daemon or its client sets.
 replay() {
     local answer line
     for answer in "/run/kelm-box/replay/$name"/*; do

@@ -148,7 +148,7 @@ TEST_F(BusInterfaceTest, AnOverLargeValueIsAnErrorForThatCallAlone) {
 TEST_F(BusInterfaceTest, NoSocketOfTheDaemonReachesItsCommands) {
     box::setFault("uci", "slow 3");
     const TrClient::Pending call = client().sendGetValue("Device.DeviceInfo.ProvisioningCode");
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("uci").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("uci"));
     const std::string children = "/proc/" + std::to_string(daemon().pid()) + "/task/*/children";
     const std::string list =
         "for child in $(cat " + children + "); do ls -l /proc/$child/fd; done >/tmp/descriptors";

@@ -9,9 +9,7 @@ namespace {
 /// Each provider can be told by a command that it alone runs: sysctl and iw, netstat, ps.
 class CycleTest : public DaemonTest {
   protected:
-    static bool called(const char* command) {
-        return box::waitUntil([=] { return !box::calls(command).empty(); });
-    }
+    static bool called(const char* command) { return box::waitForCalls(command); }
 };
 
 TEST_F(CycleTest, NetworkComesBeforeTheFrontEndAndThatBeforeDeviceInformation) {

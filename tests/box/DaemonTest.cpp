@@ -1,6 +1,6 @@
 #include "tests/box/DaemonTest.h"
 
-#include <algorithm>
+#include "tests/support/Talker.h"
 
 void DaemonTest::startBus(const std::string& limits) {
     bus_ = std::make_unique<PrivateBus>(limits);
@@ -24,17 +24,12 @@ void DaemonTest::connect() {
 
 void DaemonTest::waitForFirstCycle() {
     connect();
-    ASSERT_TRUE(box::waitUntil([this] {
-        const auto list = client().listParametersOnly().list;
-        return std::find(list.begin(), list.end(), "Device.DeviceInfo.DeviceLog") != list.end();
-    })) << daemon_->output();
+    ASSERT_TRUE(::waitForFirstCycle(client())) << daemon_->output();
 }
 
 void DaemonTest::waitForCycles(std::size_t count) {
     // The cycle under way, if there is one, may have read its sources already.
-    const std::size_t cyclesBegun = box::calls("ps").size() / 2 + 1;
-    const std::size_t goal = 2 * (cyclesBegun + count);
-    ASSERT_TRUE(box::waitUntil([=] { return box::calls("ps").size() >= goal; }));
+    ASSERT_TRUE(box::waitForCalls("ps", 2 * (box::cyclesSoFar() + 1 + count)));
     expectAnswers();  // the store mutex is free again, so the cycle's last values are in
 }
 
@@ -43,15 +38,8 @@ bool DaemonTest::logHas(const std::string& text) const {
 }
 
 void DaemonTest::watch(const std::vector<std::string>& parameters) {
-    std::string rows;
-    for (const std::string& parameter : parameters) rows += change(parameter, "");
-    box::writeFile("/tmp/.easycwmp_notif_param_value", rows);
+    box::writeNotificationFile(parameters);
     ASSERT_TRUE(client().updateNotifTable().ok);
-}
-
-std::string DaemonTest::change(const std::string& parameter, const std::string& value) {
-    return R"({ "parameter": ")" + parameter + R"(", "value": ")" + value +
-           R"(", "notification": "2", "type": "xsd:string" })" + "\n";
 }
 
 void DaemonTest::expectEnd(const ExitStatus& status) {

@@ -34,8 +34,10 @@ class DaemonTest : public ::testing::Test {
 
     /// Makes the CWMP client's file list these parameters and has the daemon read it.
     void watch(const std::vector<std::string>& parameters);
-    /// The line with which the client learns a watched parameter's new value.
-    static std::string change(const std::string& parameter, const std::string& value);
+    /// The line that reports a watched parameter's new value to the client.
+    static std::string change(const std::string& parameter, const std::string& value) {
+        return box::notificationRow(parameter, value);
+    }
 
     /// The daemon has stopped in order, with this status.
     void expectEnd(const ExitStatus& status);

@@ -86,7 +86,7 @@ if(NOT KELM_SANITIZE MATCHES undefined)
   fault_group(TheDescriptorLimitIsReached System/*TheDescriptorLimitIsReached)
   fault_group(TheDescriptorLimitLosesNoSetting Writes/*TheDescriptorLimit)
 endif()
-# While it stops, the thread sanitizer too needs a pipe, to the program that tells it which finding is to be overlooked.
+# While it stops, the thread sanitizer too needs a pipe, to the program that names the finding to be ignored.
 if(NOT KELM_SANITIZE)
   fault_group(AnInterruptAmidFewDescriptors Interrupts/*/FewDescriptors)
 endif()
@@ -101,7 +101,7 @@ endif()
 foreach(
   case
   AThousandCallsInFlightAreAllAnsweredEachWithItsOwn
-  EightClientsLoseAndMixUpNothingForAMinute
+  EightClientsLoseAndMixUpNothingInTwentyThousandCalls
   ClientsThatDieInTheMiddleOfTheirCallsHarmNobody
   AClientThatNeverReadsItsRepliesHarmsNobody
   FourHundredUnreadReadsOfALogKeepFewRepliesInMemory

@@ -3,8 +3,8 @@
 #include "tests/box/SystemFaults.h"
 #include "tests/support/Box.h"
 #include "tests/support/Repeating.h"
+#include "tests/support/Talker.h"
 
-#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <sstream>
@@ -15,12 +15,10 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr char kLastOfTheCycle[] = "Device.DeviceInfo.DeviceLog";
 constexpr char kUpTime[] = "Device.DeviceInfo.UpTime";
 // Told by the monotonic clock alone, so every cycle changes it, whatever else fails.
 constexpr char kChangesInEveryCycle[] =
     "Device.Services.STBService.1.ServiceMonitoring.MainStream.1.Total.ResetTime";
-constexpr char kNotifyFile[] = "/tmp/.easycwmp_notif_param_value";
 // Some faults hold a cycle up for half a minute, and sanitizers and emulators are slow.
 constexpr seconds kDeadline{300};
 
@@ -112,19 +110,14 @@ void FaultyLife::start(const Child::Environment& environment) {
     daemonPid_ = daemon_->pid();
     client_ = std::make_unique<TrClient>(bus_->address());
     client_->setTimeout(kDeadline);
-    const auto firstCycleIsOver = [this] {
-        const auto list = client_->listParametersOnly().list;
-        return std::find(list.begin(), list.end(), kLastOfTheCycle) != list.end();
-    };
-    if (!waitUntil(firstCycleIsOver)) fail("no first cycle");
+    if (!waitForFirstCycle(*client_, kDeadline)) fail("no first cycle");
 }
 
 void FaultyLife::giveSettings() {
     for (const auto& [address, text] : kSettings)
         if (!client_->set(address, text).ok) fail(std::string("cannot set ") + address);
     // A watched figure that changes in every cycle brings ubus into every cycle.
-    box::writeFile(kNotifyFile, std::string(R"({ "parameter": ")") + kUpTime +
-                                    R"(", "value": "", "notification": "2" })" + "\n");
+    box::writeNotificationFile({kUpTime});
     if (!client_->updateNotifTable().ok) fail("cannot read the notification file");
 }
 

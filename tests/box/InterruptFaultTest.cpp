@@ -288,7 +288,7 @@ class InterruptFaultTest : public DaemonTest, public ::testing::WithParamInterfa
     void SetUp() override {
         mountSettings();
         // The up time changes in every cycle, so every cycle runs ubus.
-        box::writeFile("/tmp/.easycwmp_notif_param_value", change(kUpTime, "") + "{ half a li");
+        box::writeFile(box::kNotificationFile, change(kUpTime, "") + "{ half a li");
         startBus();
     }
 

@@ -33,11 +33,11 @@ class MonitoringTest : public DaemonTest {
 };
 
 TEST_F(MonitoringTest, NoWriteAtARandomMomentIsLost) {
-    // Three cycles of writes, at moments that have nothing to do with the cycles: each reads back,
+    // Two cycles of writes, at moments that have nothing to do with the cycles: each reads back,
     // now and just before the next one.
     box::writeFile(kCounterFile, "100\n");
     std::mt19937 random(1);
-    const std::size_t goal = box::calls("ps").size() + 6;
+    const std::size_t goal = box::calls("ps").size() + 4;
     int writes = 0;
     for (; writes < 1000 || box::calls("ps").size() < goal; ++writes) {
         const std::string enable = writes % 2 == 0 ? "1" : "0";

@@ -21,7 +21,7 @@ class StartAndStopTest : public DaemonTest {
         start();
         box::setFault("ubus", "slow " + std::to_string(seconds));
         watch({"Device.DeviceInfo.UpTime"});
-        ASSERT_TRUE(box::waitUntil([] { return !box::calls("ubus").empty(); }));
+        ASSERT_TRUE(box::waitForCalls("ubus"));
     }
     /// The daemon ends with this status before its command does, and the command goes with it.
     void expectEndWithItsCommand(const ExitStatus& status, const std::vector<pid_t>& command) {
@@ -86,7 +86,7 @@ TEST_F(StartAndStopTest, AnInterruptLetsTheCycleUnderWayFinish) {
     box::setFault("ps", "slow 1");
     startBus();
     launch();
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("ps"));
     daemon().send(SIGINT);
     expectEnd({0, 0});
     EXPECT_EQ(box::calls("ps").size(), 2U);
@@ -96,7 +96,7 @@ TEST_F(StartAndStopTest, TwoInterruptsEndAtOnceWithStatus255WhileACommandHangs) 
     box::setFault("ps", "hang");
     startBus();
     launch();
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("ps"));
     expectTheSecondInterruptToEndIt();
 }
 
@@ -162,7 +162,7 @@ TEST_F(StartAndStopTest, WithoutABusTheReasonIsLoggedAndTheWorkerGoesOn) {
     launch({{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/no/such/bus"}});
     ASSERT_TRUE(box::waitUntil([this] { return logHas("ERROR"); }));
     EXPECT_TRUE(logHas("/no/such/bus")) << daemon().output();
-    EXPECT_TRUE(box::waitUntil([] { return box::calls("ps").size() >= 4; }));
+    EXPECT_TRUE(box::waitForCalls("ps", 4));
     daemon().send(SIGINT);
     expectEnd({0, 0});
 }
@@ -217,7 +217,7 @@ TEST_F(StartAndStopTest, ABusThatDiesInTheMiddleOfACallEndsTheDaemonWithAnError)
     start();
     box::setFault("uci", "hang");
     const TrClient::Pending call = client().sendGetValue("Device.DeviceInfo.ProvisioningCode");
-    ASSERT_TRUE(box::waitUntil([] { return !box::calls("uci").empty(); }));
+    ASSERT_TRUE(box::waitForCalls("uci"));
     const std::vector<pid_t> command = descendantsOf(daemon().pid());
     bus().kill();
     expectEndWithItsCommand({1, 0}, command);

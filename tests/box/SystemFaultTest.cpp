@@ -50,7 +50,7 @@ void readTheTableAgainAndAgain(TrClient& client) {
 // Reads must get through while ubus holds the cycle up: the store is not locked then.
 void readWhileUbusIsSlow(TrClient& client) {
     box::clearCalls("ubus");
-    require(box::waitUntil([] { return !box::calls("ubus").empty(); }), "ubus is not called");
+    require(box::waitForCalls("ubus"), "ubus is not called");
     for (int i = 0; i < 200; ++i) require(client.getValue(kUpTime).ok, "a read fails");
     require(std::system("pgrep -f 'ubus -t 1' >/dev/null") == 0, "the reads waited for ubus");
 }

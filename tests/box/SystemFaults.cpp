@@ -19,7 +19,6 @@ namespace faults {
 
 namespace {
 
-constexpr char kNotifyFile[] = "/tmp/.easycwmp_notif_param_value";
 constexpr char kSettings[] = "/var/kelm/";
 const std::string kFiller = std::string(kSettings) + "filler";
 constexpr int kFirstInterface = 10;
@@ -34,8 +33,8 @@ void ip(const std::string& batch) {
 }
 
 void rewrite() {
-    std::filesystem::remove(kNotifyFile);
-    std::ofstream file(kNotifyFile);
+    std::filesystem::remove(box::kNotificationFile);
+    std::ofstream file(box::kNotificationFile);
     for (int row = 0; row < 200; ++row) {
         file << R"({ "parameter": "Device.DeviceInfo.UpTime)" << row << R"(", "value": "x)"
              << std::flush << R"(", "notification": "2", "type": "xsd:string" })" << '\n';
@@ -115,14 +114,14 @@ void setSettingsReadOnly(bool isReadOnly) {
 }
 
 RewrittenNotificationFile::RewrittenNotificationFile()
-    : content_(box::readFile(kNotifyFile)), thread_([this] {
+    : content_(box::readFile(box::kNotificationFile)), thread_([this] {
           for (; !done_; ++times_) rewrite();
       }) {}
 
 RewrittenNotificationFile::~RewrittenNotificationFile() {
     done_ = true;
     thread_.join();
-    box::writeFile(kNotifyFile, content_);
+    box::writeFile(box::kNotificationFile, content_);
 }
 
 ClientThatNeverReads::ClientThatNeverReads(const std::string& bus, const TrCall& call, int times)

@@ -167,7 +167,36 @@ TEST_F(TrctlTest, TreeAndListHaveEveryAddress) {
               "Device.DeviceInfo.\nDevice.Ethernet.\nDevice.IP.\nDevice.Services.\n");
 }
 
-TEST_F(TrctlTest, InfoTellsTheSettings) {
+TEST_F(TrctlTest, WaitReturnsWhenTheTreeIsWhole) {
+    box::setFault("ps", "slow 1");
+    startBus();
+    connect();
+    const auto trctl = begin({"wait"});
+    launch();
+    const Result waited = end(*trctl);
+    EXPECT_EQ(waited.status, 0) << waited.errors;
+    EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM");
+    EXPECT_EQ(run({"list", "Device.DeviceInfo.DeviceLog"}).status, 0);
+    EXPECT_EQ(waited.output + waited.errors, "");
+}
+
+TEST_F(TrctlTest, WaitWithoutADaemonOrABusEndsWithThree) {
+    startBus();
+    const Result noDaemon = run({"wait", "--timeout", "0.2"});
+    EXPECT_EQ(noDaemon.status, 3);
+    EXPECT_TRUE(has(noDaemon.errors, "Start kelm-trd")) << noDaemon.errors;
+    const auto trctl = begin({"wait", "--timeout", "1000"});
+    // The bus itself, this test and trctl.
+    TrClient names(bus().address(), "org.freedesktop.DBus");
+    ASSERT_TRUE(box::waitUntil([&] {
+        return names.call({DBUS_INTERFACE_DBUS, "ListNames", {}, {}, DBUS_PATH_DBUS}).list.size() >
+               2;
+    }));
+    bus().kill();
+    EXPECT_EQ(end(*trctl).status, 3);
+}
+
+TEST_F(TrctlTest, InfoShowsTheSettings) {
     start();
     EXPECT_EQ(run({"info", "Device.DeviceInfo.Manufacturer"}).output,
               "address        Device.DeviceInfo.Manufacturer\nkind           parameter\n"
@@ -340,11 +369,12 @@ std::string completions(const std::string& words, const std::string& extra = "")
 
 TEST_F(TrctlTest, CompletionOffersCommandsAndTheirOptions) {
     start();
-    EXPECT_EQ(bash(completions("wa")).output, "watch\n");
-    EXPECT_EQ(bash(completions("''")).output, "get\nset\nlist\ntree\ninfo\nwatch\ndiff\nchanges\n");
+    EXPECT_EQ(bash(completions("wa")).output, "watch\nwait\n");
+    EXPECT_EQ(bash(completions("''")).output,
+              "get\nset\nlist\ntree\ninfo\nwatch\nwait\ndiff\nchanges\n");
     EXPECT_EQ(bash(completions("watch --p")).output, "--plot\n");
     EXPECT_EQ(bash(completions("list --")).output,
-              "--help\n--bus\n--color\n--parameters\n--level\n");
+              "--help\n--bus\n--color\n--parameters\n--level\n--long\n");
     EXPECT_EQ(bash(completions("--color a")).output, "auto\nalways\n");
 }
 

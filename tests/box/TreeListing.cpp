@@ -15,7 +15,7 @@ constexpr std::size_t kMostShown = 10;
 
 struct Line {
     std::string address;
-    std::string settings;  // writable, inform, kind
+    std::string settings;  // flags, type
     std::string value;
 
     std::string text() const { return address + settings + (value.empty() ? "" : " " + value); }
@@ -23,12 +23,12 @@ struct Line {
 };
 using Lines = std::vector<Line>;
 
-// The value is the rest after the fourth blank; it may begin or end with blanks of its own.
+// The value is the rest after the third blank; it may begin or end with blanks.
 Line parseLine(const std::string& text) {
     Line line;
     std::size_t end = text.find(' ');
     line.address = text.substr(0, end);
-    for (int word = 0; word < 3 && end != std::string::npos; ++word) end = text.find(' ', end + 1);
+    for (int word = 0; word < 2 && end != std::string::npos; ++word) end = text.find(' ', end + 1);
     line.settings = text.substr(line.address.size(), end - line.address.size());
     if (end != std::string::npos) line.value = text.substr(end + 1);
     return line;

@@ -2,7 +2,8 @@
 
 #include <string>
 
-/// Listings of the whole tree, as `trd-tree list` prints them; golden/tree.txt tells the format.
+/// Listings of the whole tree, as `trctl list --long` prints them; golden/tree.txt describes the
+/// format.
 namespace TreeListing {
 
 /// Where the listing departs from what is expected of it, an address that is missing, not expected

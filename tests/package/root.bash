@@ -73,6 +73,5 @@ inside() {
 
 # The same with the words of check.sh, the daemon's methods among them.
 ask() {
-    # shellcheck disable=SC2016  # for the shell inside
     inside bash -c '. /mnt/check.sh; "$@"' bash "$@"
 }

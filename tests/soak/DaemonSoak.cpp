@@ -6,7 +6,8 @@
 #include "tests/support/Box.h"
 #include "tests/support/Child.h"
 #include "tests/support/PrivateBus.h"
-#include "tests/support/TrClient.h"
+#include "tests/support/Repeating.h"
+#include "tests/support/Talker.h"
 
 #include <atomic>
 #include <chrono>
@@ -26,65 +27,6 @@ using std::chrono::seconds;
 using std::chrono::steady_clock;
 
 constexpr int kSamples = 20;
-const std::string kConfig = "Device.Services.STBService.1.X_Kelm.Config.";
-
-struct Counts {
-    std::atomic<std::size_t> calls{0};
-    std::atomic<std::size_t> mistakes{0};
-};
-
-/// A client that writes one parameter which is its alone; the surplus ones only read.
-class Talker {
-  public:
-    Talker(const std::string& bus, std::size_t number, Counts& counts)
-        : client_(bus), number_(number), counts_(counts) {}
-
-    void talkOnce() {
-        static const std::vector<std::string> own{"UpdateType", "UpdateServer", "TimeZone",
-                                                  "ProvisionServer"};
-        expect(client_.getValue("Device.DeviceInfo.Manufacturer").text == "KELM");
-        expect(client_.getValue("Device.IP.Interface.1.Name").text == "eth0");
-        expect(!client_.getValue("Device.DeviceInfo.DeviceLog").text.empty());
-        expect(client_.checkValueChange().ok);
-        if (round_ % 100 == 0) expect(client_.updateNotifTable().ok);
-        if (round_ % 20 == 0) readTree();
-        if (number_ < own.size()) write(kConfig + own[number_]);
-        ++round_;
-    }
-
-  private:
-    void expect(bool isRight) {
-        ++counts_.calls;
-        if (!isRight) ++counts_.mistakes;
-    }
-    void readTree() {
-        const auto list = client_.listParametersOnly().list;
-        expect(!list.empty());
-        for (const std::string& address : list)
-            if (address.find("ProvisioningCode") == std::string::npos)
-                expect(client_.getValue(address).ok);
-    }
-    void write(const std::string& address) {
-        const std::string mine = std::to_string(number_) + "/" + std::to_string(round_);
-        expect(client_.set(address, mine).ok);
-        expect(client_.getValue(address).text == mine);
-    }
-
-    TrClient client_;
-    const std::size_t number_;
-    Counts& counts_;
-    std::size_t round_ = 0;
-};
-
-void talk(const std::string& bus, std::size_t number, Counts& counts,
-          const std::atomic<bool>& done) {
-    Talker talker(bus, number, counts);
-    while (!done) {
-        talker.talkOnce();
-        std::this_thread::sleep_for(milliseconds(10));
-    }
-}
-
 // A log that grows and is rotated, as syslogd does it; the same sizes again and again.
 void writeLog(const std::atomic<bool>& done) {
     for (std::size_t line = 0; !done; ++line) {
@@ -97,25 +39,37 @@ void writeLog(const std::atomic<bool>& done) {
     }
 }
 
+/// What all of them have counted so far.
+std::size_t sumOf(const std::vector<std::unique_ptr<Talker>>& talkers,
+                  std::size_t (Talker::*count)() const) {
+    std::size_t sum = 0;
+    for (const auto& talker : talkers) sum += (talker.get()->*count)();
+    return sum;
+}
+
 bool run(Child& daemon, const std::string& bus, double minutes, std::size_t clients) {
-    Counts counts;
+    std::vector<std::unique_ptr<Talker>> talkers;
+    for (std::size_t i = 0; i < clients; ++i) talkers.push_back(std::make_unique<Talker>(bus, i));
     std::atomic<bool> done{false};
-    std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < clients; ++i)
-        threads.emplace_back([&, i] { talk(bus, i, counts, done); });
-    threads.emplace_back([&] { writeLog(done); });
+    std::vector<std::unique_ptr<Repeating>> talks;
+    for (auto& talker : talkers)
+        talks.push_back(
+            std::make_unique<Repeating>([&talker] { talker->talkOnce(); }, milliseconds(10)));
+    std::thread log([&] { writeLog(done); });
     FlatCheck check("seconds");
     const auto start = steady_clock::now();
     for (int sample = 1; sample <= kSamples && daemon.isRunning(); ++sample) {
         const auto at = milliseconds(static_cast<long long>(minutes * 60'000 * sample / kSamples));
         std::this_thread::sleep_until(start + at);
-        check.add(
-            static_cast<std::size_t>(at.count() / 1000), quietVitalsOf(daemon.pid()),
-            std::to_string(counts.calls) + " calls, " + std::to_string(counts.mistakes) + " wrong");
+        check.add(static_cast<std::size_t>(at.count() / 1000), quietVitalsOf(daemon.pid()),
+                  std::to_string(sumOf(talkers, &Talker::calls)) + " calls, " +
+                      std::to_string(sumOf(talkers, &Talker::mistakes)) + " wrong");
     }
     done = true;
-    for (std::thread& thread : threads) thread.join();
-    const bool isRight = counts.mistakes == 0 && counts.calls > 0;
+    log.join();
+    talks.clear();
+    const bool isRight =
+        sumOf(talkers, &Talker::mistakes) == 0 && sumOf(talkers, &Talker::calls) > 0;
     if (!isRight) std::printf("answers were wrong or lost\n");
     return check.isFlat() && isRight;
 }
@@ -133,15 +87,10 @@ bool stop(Child& daemon) {
 int main(int argumentCount, char** arguments) {
     const double minutes = argumentCount > 1 ? std::atof(arguments[1]) : 30;
     const std::size_t clients = argumentCount > 2 ? std::strtoul(arguments[2], nullptr, 10) : 4;
-    box::writeFile(
-        "/tmp/.easycwmp_notif_param_value",
-        R"({ "parameter": "Device.DeviceInfo.UpTime", "value": "", "notification": "2" })"
-        "\n");
+    box::writeNotificationFile({"Device.DeviceInfo.UpTime"});
     const PrivateBus bus;
     Child daemon({KELM_TRD_PROGRAM}, "/tmp/daemon-output");
     TrClient client(bus.address());
-    const bool isUp = box::waitUntil(
-        [&] { return !client.getValue("Device.DeviceInfo.DeviceLog").text.empty(); });
-    const bool isRight = isUp && run(daemon, bus.address(), minutes, clients);
+    const bool isRight = waitForFirstCycle(client) && run(daemon, bus.address(), minutes, clients);
     return stop(daemon) && isRight ? 0 : 1;
 }

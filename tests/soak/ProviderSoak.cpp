@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -51,12 +52,9 @@ void switchMonitoringOn(TR::Storage& storage) {
 }
 
 void watchEverything(TR::Storage& storage) {
-    std::string rows;
-    for (const Address& address : storage.listParametersOnly()) {
-        rows += R"({ "parameter": ")" + address.get() + R"(", "value": "", "notification": "2" })" +
-                "\n";
-    }
-    box::writeFile("/tmp/.easycwmp_notif_param_value", rows);
+    std::vector<std::string> parameters;
+    for (const Address& address : storage.listParametersOnly()) parameters.push_back(address.get());
+    box::writeNotificationFile(parameters);
     const pthread_helper::scoped_lock lock(storage.getNotifTable().getMutex());
     storage.getNotifTable().update();
 }

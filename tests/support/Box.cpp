@@ -38,6 +38,25 @@ void clearCalls(const std::string& command) {
     std::remove((kLogFolder + command).c_str());
 }
 
+bool waitForCalls(const std::string& command, std::size_t count) {
+    return waitUntil([&] { return calls(command).size() >= count; });
+}
+
+std::size_t cyclesSoFar() {
+    return calls("ps").size() / 2;
+}
+
+std::string notificationRow(const std::string& parameter, const std::string& value) {
+    return R"({ "parameter": ")" + parameter + R"(", "value": ")" + value +
+           R"(", "notification": "2", "type": "xsd:string" })" + "\n";
+}
+
+void writeNotificationFile(const std::vector<std::string>& parameters) {
+    std::string rows;
+    for (const std::string& parameter : parameters) rows += notificationRow(parameter);
+    writeFile(kNotificationFile, rows);
+}
+
 void setFault(const std::string& command, const std::string& fault) {
     const std::string file = kFaultFolder + command;
     if (fault.empty()) {

@@ -23,7 +23,7 @@ std::ostream& operator<<(std::ostream& stream, const ExitStatus& status);
 /// The threads of a process; 0 when it has ended.
 std::size_t threadCountOf(pid_t pid);
 
-/// Becomes that program, in a process of its own; ends it with status 127 where there is none.
+/// Becomes that program, in this process; ends it with status 127 where there is none.
 [[noreturn]] void becomeProgram(
     const std::vector<std::string>& command,
     const std::vector<std::pair<std::string, std::string>>& environment);

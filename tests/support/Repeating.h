@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-/// Does something again and again beside the test, on a thread of its own, with a pause in between.
+/// Does something again and again beside the test, on another thread, with a pause in between.
 /// The end of the object waits for the action under way.
 class Repeating {
   public:

@@ -7,7 +7,7 @@
 
 #include <sys/types.h>
 
-/// A program that a test runs on a terminal of its own, as a person would. Killed and reaped with
+/// A program that a test runs on its own terminal, as a person would. Killed and reaped with
 /// the object.
 class TerminalChild {
   public:

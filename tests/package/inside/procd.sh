@@ -11,7 +11,7 @@ procd_open_instance() {
 }
 
 procd_set_param() {
-    local name=$1
+    local name="$1"
     shift
     note "$instance $name $*"
     case $name in

@@ -21,9 +21,7 @@ class WorkerTest : public ::testing::Test {
         const pthread_helper::scoped_lock lock(storage_.getStorageMutex());
         return storage_.hasAddress(Address(path));
     }
-    static bool waitForCounts(std::size_t counts) {
-        return box::waitUntil([=] { return box::calls("ps").size() >= counts; });
-    }
+    static bool waitForCounts(std::size_t counts) { return box::waitForCalls("ps", counts); }
 
     TR::Storage storage_;
     TR::Worker worker_{&storage_};

@@ -335,13 +335,10 @@ TEST_F(DBusWorkerTest, ABusThatReadsNoMoreDoesNotHoldUpTheStop) {
 TEST_F(DBusWorkerTest, TheNotificationTableIsReloadedAndItsChangesFetched) {
     serve(&storage_);
     EXPECT_EQ(client().checkValueChange().text, "");
-    box::writeFile("/tmp/.easycwmp_notif_param_value",
-                   R"({ "parameter": "a", "value": "", "notification": "2" })"
-                   "\n");
+    box::writeNotificationFile({"a"});
     EXPECT_TRUE(client().updateNotifTable().ok);
     storage_.getNotifTable().tryTriggerNotify({{Address("a"), Value(std::string("bad \xFF"))}});
-    EXPECT_EQ(client().checkValueChange().text, R"({ "parameter": "a", "value": "bad )" + kBad +
-                                                    R"(", "notification": "2" })" + "\n");
+    EXPECT_EQ(client().checkValueChange().text, box::notificationRow("a", "bad " + kBad));
 }
 
 TEST_F(DBusWorkerTest, StoppingAndStartingServesAgain) {

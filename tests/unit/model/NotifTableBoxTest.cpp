@@ -17,17 +17,9 @@ using TR::NotifTable;
 using TR::Value;
 using Updates = std::map<Address, Value>;
 
-constexpr char kFile[] = "/tmp/.easycwmp_notif_param_value";
-constexpr char kNotify[] = "ubus -t 1 call tr069 notify";
-
 std::string row(const std::string& parameter, const std::string& notification = "2") {
     return R"({ "parameter": ")" + parameter + R"(", "value": "old", "notification": ")" +
            notification + R"(", "type": "xsd:string" })" + "\n";
-}
-
-std::string change(const std::string& parameter, const std::string& value) {
-    return R"({ "parameter": ")" + parameter + R"(", "value": ")" + value +
-           R"(", "notification": "2", "type": "xsd:string" })" + "\n";
 }
 
 Updates updatesOf(const std::vector<std::string>& parameters) {
@@ -40,7 +32,7 @@ Updates updatesOf(const std::vector<std::string>& parameters) {
 class NotifTableTest : public ::testing::Test {
   protected:
     void load(const std::string& content) {
-        box::writeFile(kFile, content);
+        box::writeFile(box::kNotificationFile, content);
         update();
     }
     void update() {
@@ -62,8 +54,8 @@ TEST_F(NotifTableTest, NothingIsPendingAtFirst) {
 TEST_F(NotifTableTest, AWatchedChangeIsPendingWithItsNewValueAndNotifiesOnce) {
     load(row("a"));
     table_.tryTriggerNotify(updatesOf({"a"}));
-    EXPECT_EQ(changes(), change("a", "new"));
-    EXPECT_EQ(box::calls("ubus"), std::vector<std::string>{kNotify});
+    EXPECT_EQ(changes(), box::notificationRow("a", "new"));
+    EXPECT_EQ(box::calls("ubus"), std::vector<std::string>{box::kNotifyCommand});
 }
 
 TEST_F(NotifTableTest, ReadingThePendingChangesDoesNotClearThem) {
@@ -83,14 +75,14 @@ TEST_F(NotifTableTest, AnUnlistedParameterAddsNothingAndNotifiesNobody) {
 TEST_F(NotifTableTest, TwoChangesStandInTableOrder) {
     load(row("z") + row("a"));
     table_.tryTriggerNotify(updatesOf({"a", "z"}));
-    EXPECT_EQ(changes(), change("z", "new") + change("a", "new"));
+    EXPECT_EQ(changes(), box::notificationRow("z", "new") + box::notificationRow("a", "new"));
     EXPECT_EQ(box::calls("ubus").size(), 1U);
 }
 
 TEST_F(NotifTableTest, AParameterListedTwiceIsPendingTwice) {
     load(row("a") + row("a"));
     table_.tryTriggerNotify(updatesOf({"a"}));
-    EXPECT_EQ(changes(), change("a", "new") + change("a", "new"));
+    EXPECT_EQ(changes(), box::notificationRow("a", "new") + box::notificationRow("a", "new"));
 }
 
 TEST_F(NotifTableTest, TheNotificationAttributeIsNotLookedAt) {
@@ -112,13 +104,13 @@ TEST_F(NotifTableTest, AFailingNotifyCommandKeepsTheChanges) {
     box::setFault("ubus", "exit 4");
     load(row("a"));
     table_.tryTriggerNotify(updatesOf({"a"}));
-    EXPECT_EQ(changes(), change("a", "new"));
+    EXPECT_EQ(changes(), box::notificationRow("a", "new"));
 }
 
 TEST_F(NotifTableTest, TriggeringAloneRunsTheCommandWithoutTheMutex) {
     const pthread_helper::scoped_lock lock(table_.getMutex());
     table_.triggerNotify();
-    EXPECT_EQ(box::calls("ubus"), std::vector<std::string>{kNotify});
+    EXPECT_EQ(box::calls("ubus"), std::vector<std::string>{box::kNotifyCommand});
 }
 
 TEST_F(NotifTableTest, AMissingValueEndsTheRowsReadingThere) {
@@ -134,28 +126,28 @@ TEST_F(NotifTableTest, BadLinesNeitherMatchNorHideTheGoodOnes) {
          "\n[1]\n" + row("a") +
          R"({ "parameter": "b", "value": "no line feed", "notification": "1" })");
     table_.tryTriggerNotify(updatesOf({"a", "b"}));
-    EXPECT_EQ(changes(), change("a", "new") +
+    EXPECT_EQ(changes(), box::notificationRow("a", "new") +
                              R"({ "parameter": "b", "value": "new", "notification": "1" })"
                              "\n");
 }
 
 TEST_F(NotifTableTest, AVanishedFileEmptiesTheTable) {
     load(row("a"));
-    std::filesystem::remove(kFile);
+    std::filesystem::remove(box::kNotificationFile);
     update();
     table_.tryTriggerNotify(updatesOf({"a"}));
     EXPECT_EQ(changes(), "");
 }
 
 TEST_F(NotifTableTest, AFolderInThePlaceOfTheFileGivesAnEmptyTable) {
-    std::filesystem::create_directory(kFile);
+    std::filesystem::create_directory(box::kNotificationFile);
     update();
     table_.tryTriggerNotify(updatesOf({"a"}));
     EXPECT_EQ(changes(), "");
 }
 
 TEST_F(NotifTableTest, AFifoInThePlaceOfTheFileDoesNotStall) {
-    ASSERT_EQ(mkfifo(kFile, 0600), 0);
+    ASSERT_EQ(mkfifo(box::kNotificationFile, 0600), 0);
     update();
     EXPECT_EQ(changes(), "");
 }
@@ -165,14 +157,14 @@ TEST_F(NotifTableTest, WhatTheFileHoldsBeyondEightMebibytesIsNotRead) {
     for (int i = 0; i < 8; ++i) filler += std::string((1U << 20) - 1, 'x') + '\n';
     load(row("a") + filler + row("b"));
     table_.tryTriggerNotify(updatesOf({"a", "b"}));
-    EXPECT_EQ(changes(), change("a", "new"));
+    EXPECT_EQ(changes(), box::notificationRow("a", "new"));
 }
 
 TEST_F(NotifTableTest, RereadingReplacesTheTable) {
     load(row("a"));
     load(row("b"));
     table_.tryTriggerNotify(updatesOf({"a", "b"}));
-    EXPECT_EQ(changes(), change("b", "new"));
+    EXPECT_EQ(changes(), box::notificationRow("b", "new"));
 }
 
 }  // namespace

@@ -218,7 +218,7 @@ TEST_F(DeviceInfoDataProviderTest, TheLogStartsWithTheOldestOfThreeHundredAndOne
 TEST_F(DeviceInfoDataProviderTest, TheStoreMutexIsHeldWhileACommandRuns) {
     box::setFault("ps", "slow 2");
     std::thread refresh([&] { provider_.updateValues(); });
-    EXPECT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+    EXPECT_TRUE(box::waitForCalls("ps"));
     EXPECT_EQ(pthread_mutex_trylock(storage_.getStorageMutex().native()), EBUSY);
     box::setFault("ps", "");
     refresh.join();

@@ -249,13 +249,13 @@ TEST_F(FrontEndDataProviderTest, ZappingRecordsNoChange) {
 TEST_F(FrontEndDataProviderTest, TheStoreMutexIsFreeWhileACommandRuns) {
     box::setFault("netstat", "slow 2");
     std::thread refresh([&] { provider_.updateValues(); });
-    EXPECT_TRUE(box::waitUntil([] { return !box::calls("netstat").empty(); }));
+    EXPECT_TRUE(box::waitForCalls("netstat"));
     EXPECT_EQ(pthread_mutex_trylock(storage_.getStorageMutex().native()), 0);
     pthread_mutex_unlock(storage_.getStorageMutex().native());
     refresh.join();
     box::setFault("sysctl", "slow 2");
     std::thread start([&] { provider_.init(); });
-    EXPECT_TRUE(box::waitUntil([] { return !box::calls("sysctl").empty(); }));
+    EXPECT_TRUE(box::waitForCalls("sysctl"));
     EXPECT_EQ(pthread_mutex_trylock(storage_.getStorageMutex().native()), 0);
     pthread_mutex_unlock(storage_.getStorageMutex().native());
     start.join();

@@ -314,10 +314,7 @@ TEST_F(NetworkDataProviderTest, TheFirstRefreshRecordsNoChange) {
 
 TEST_F(NetworkDataProviderTest, AWatchedSpeedThatChangesIsNotifiedOnce) {
     const std::string path = "Device.Ethernet.Interface.1.MaxBitRate";
-    box::writeFile("/tmp/.easycwmp_notif_param_value",
-                   R"({ "parameter": ")" + path +
-                       R"(", "value": "100", "notification": "2", "type": "xsd:unsignedInt" })" +
-                       "\n");
+    box::writeNotificationFile({path});
     storage_.getNotifTable().update();
     provider_.updateValues();
     storage_.clearUpdates();
@@ -326,10 +323,8 @@ TEST_F(NetworkDataProviderTest, AWatchedSpeedThatChangesIsNotifiedOnce) {
     const auto updates = storage_.updates();
     EXPECT_EQ(updates.at(Address(path)).toString(), "1000");
     storage_.getNotifTable().tryTriggerNotify(updates);
-    EXPECT_EQ(box::calls("ubus"), (std::vector<std::string>{"ubus -t 1 call tr069 notify"}));
-    EXPECT_EQ(storage_.getNotifTable().checkValueChange(),
-              R"({ "parameter": ")" + path +
-                  R"(", "value": "1000", "notification": "2", "type": "xsd:unsignedInt" })" + "\n");
+    EXPECT_EQ(box::calls("ubus"), std::vector<std::string>{box::kNotifyCommand});
+    EXPECT_EQ(storage_.getNotifTable().checkValueChange(), box::notificationRow(path, "1000"));
 }
 
 TEST_F(NetworkDataProviderTest, AnUnchangedBoxChangesNothingButTheTimes) {

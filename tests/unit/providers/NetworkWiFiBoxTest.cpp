@@ -125,7 +125,7 @@ TEST_F(NetworkWiFiTest, OfSeveralWirelessInterfacesTheLastByNameIsPublishedWitho
 TEST_F(NetworkWiFiTest, TheStoreMutexIsFreeWhileTheToolRuns) {
     box::setFault("iw", "slow 3");
     std::thread refresh([this] { provider_.updateValues(); });
-    EXPECT_TRUE(box::waitUntil([] { return !box::calls("iw").empty(); }));
+    EXPECT_TRUE(box::waitForCalls("iw"));
     const bool isFree = pthread_mutex_trylock(storage_.getStorageMutex().native()) == 0;
     EXPECT_TRUE(isFree);
     if (isFree) {

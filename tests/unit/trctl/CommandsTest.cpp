@@ -18,10 +18,12 @@ class FakeDaemon : public client::Daemon {
     struct Entry {
         std::string value;
         bool isWritable = false;
+        bool isForcedInform = false;
     };
 
     std::vector<std::string> addresses() override {
         ++calls;
+        if (onList) onList();
         std::vector<std::string> list;
         for (const auto& [address, entry] : entries) list.push_back(address);
         return list;
@@ -43,8 +45,7 @@ class FakeDaemon : public client::Daemon {
     }
     bool isForcedInform(const std::string& address) override {
         ++calls;
-        entries[address];
-        return false;
+        return entries[address].isForcedInform;
     }
     void set(const std::string& address, const std::string& value) override {
         ++calls;
@@ -59,6 +60,7 @@ class FakeDaemon : public client::Daemon {
     std::map<std::string, bool> refused;
     std::function<void(Entry&, const std::string&)> onSet =
         [](Entry& entry, const std::string& value) { entry.value = value; };
+    std::function<void()> onList;
     std::string pending;
     std::size_t calls = 0;
 };
@@ -192,6 +194,51 @@ TEST_F(CommandsTest, ListPrintsAddressesOrOneLevelOfThem) {
     options_.level = false;
     EXPECT_EQ(run("list"), kDone);
     EXPECT_EQ(output_, "D.A.Mode\nD.A.Rate\nD.Name\n");
+}
+
+TEST_F(CommandsTest, ALongListHasFlagsTypeAndValue) {
+    options_.isLong = true;
+    daemon_.entries["D.Name"] = {"12 b\x1b", false, true};
+    daemon_.entries["D.Void"] = {"", true, true};
+    EXPECT_EQ(run("list", {"D."}), kDone);
+    EXPECT_EQ(output_,
+              "D.A. -- object\nD.A.Mode w- string auto\nD.A.Rate -- integer 5\n"
+              "D.Empty. -- object\nD.Name -i string 12 b\\x1b\nD.Void wi string\n");
+    for (const char* text : {"-7", "0", "9223372036854775807"}) {
+        daemon_.entries["D.A.Rate"].value = text;
+        run("list", {"D.A.Rate"});
+        EXPECT_EQ(output_, std::string("D.A.Rate -- integer ") + text + "\n");
+    }
+    for (const char* text : {"+7", "007", "1, 2", "9223372036854775808", "5 "}) {
+        daemon_.entries["D.A.Rate"].value = text;
+        run("list", {"D.A.Rate"});
+        EXPECT_EQ(output_, std::string("D.A.Rate -- string ") + text + "\n");
+    }
+}
+
+TEST_F(CommandsTest, ALongListLeavesOutAValueThatTheDaemonRefuses) {
+    options_.isLong = true;
+    daemon_.refused["D.A.Mode"] = true;
+    EXPECT_EQ(run("list", {"D.A."}), kRefused);
+    EXPECT_EQ(output_, "D.A.Rate -- integer 5\n");
+    EXPECT_EQ(errors_, "trctl: D.A.Mode: too large\n");
+}
+
+TEST_F(CommandsTest, WaitEndsWithTheFirstCycle) {
+    int looks = 0;
+    daemon_.onList = [&] {
+        if (++looks == 1) throw client::NoDaemon("there is no kelm-trd", "");
+        if (looks == 3) daemon_.entries["Device.DeviceInfo.DeviceLog"] = {""};
+    };
+    EXPECT_EQ(run("wait"), kDone);
+    EXPECT_EQ(looks, 3);
+    EXPECT_EQ(output_ + errors_, "");
+}
+
+TEST_F(CommandsTest, WaitHasATimeLimit) {
+    options_.timeoutSeconds = 0;
+    EXPECT_EQ(run("wait"), kRefused);
+    EXPECT_EQ(errors_, "trctl: the first cycle is not over after 0 s\n");
 }
 
 TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {

@@ -41,6 +41,8 @@ TEST(OptionsTest, AWrongCallIsToldAndEndsWithTwo) {
                                {"changes", "a"},
                                {"watch", "--interval", "0"},
                                {"watch", "--interval", "x"},
+                               {"wait", "--timeout", "-1"},
+                               {"wait", "a"},
                                {"--color", "blue", "list"},
                                {"list", "--bus"}}) {
         const Parsed parsed = parse(words);
@@ -56,7 +58,8 @@ TEST(OptionsTest, AComplaintShowsNoControlCharacters) {
 }
 
 TEST(OptionsTest, HelpHasExamplesAndEndsWithZero) {
-    for (const char* command : {"get", "set", "list", "tree", "info", "watch", "diff", "changes"}) {
+    for (const char* command :
+         {"get", "set", "list", "tree", "info", "watch", "wait", "diff", "changes"}) {
         const Parsed parsed = parse({command, "--help"});
         EXPECT_FALSE(parsed.options.has_value());
         EXPECT_EQ(parsed.status, kDone);
