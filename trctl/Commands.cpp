@@ -111,9 +111,9 @@ struct Row {
     int (*run)(Context&);
 };
 
-constexpr Row kCommands[] = {{"get", get},   {"set", set},        {"list", list},
-                             {"tree", tree}, {"info", info},      {"watch", watch},
-                             {"diff", diff}, {"changes", changes}};
+constexpr Row kCommands[] = {{"get", get},   {"set", set},         {"list", list},
+                             {"tree", tree}, {"info", info},       {"watch", watch},
+                             {"diff", diff}, {"changes", changes}, {"report", report}};
 
 }  // namespace
 

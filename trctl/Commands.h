@@ -27,6 +27,7 @@ int info(Context& context);
 int watch(Context& context);
 int diff(Context& context);
 int changes(Context& context);
+int report(Context& context);
 
 /// Looks the command up that the options name, and runs it.
 int runCommand(Context& context);
