@@ -340,7 +340,8 @@ std::string completions(const std::string& words, const std::string& extra = "")
 TEST_F(TrctlTest, CompletionOffersCommandsAndTheirOptions) {
     start();
     EXPECT_EQ(bash(completions("wa")).output, "watch\n");
-    EXPECT_EQ(bash(completions("''")).output, "get\nset\nlist\ntree\ninfo\nwatch\ndiff\nchanges\n");
+    EXPECT_EQ(bash(completions("''")).output,
+              "get\nset\nlist\ntree\ninfo\nwatch\ndiff\nchanges\nreport\n");
     EXPECT_EQ(bash(completions("watch --p")).output, "--plot\n");
     EXPECT_EQ(bash(completions("list --")).output,
               "--help\n--bus\n--color\n--parameters\n--level\n");
