@@ -57,7 +57,7 @@ pid_t startTar(int archive, int output, const std::string& member) {
 // Stops one byte beyond the limit.
 std::string readAll(int descriptor) {
     std::string content;
-    std::array<char, 16 * 1024> piece{};
+    std::array<char, std::size_t{16} << 10U> piece{};
     while (content.size() <= kLargest) {
         const ssize_t count = read(descriptor, piece.data(), piece.size());
         if (count < 0 && errno == EINTR) continue;

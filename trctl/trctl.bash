@@ -65,11 +65,13 @@ _trctl() {
         return
     fi
     case $name in
-        report) _trctl_offer "$2" "${common[@]}" --seconds --snapshot ;;
         "") _trctl_offer "$word" "${names[@]}" ;;
         changes) ;;
         set) ((positionals > 0)) || _trctl_paths "$word" ;;
-        report) [[ $word == Device* ]] && _trctl_paths "$word" || _trctl_files "$word" ;;
+        report)
+            _trctl_files "$word"
+            ((${#COMPREPLY[@]} > 0)) || _trctl_paths "$word"
+            ;;
         diff)
             if ((positionals == 0)); then
                 _trctl_files "$word"

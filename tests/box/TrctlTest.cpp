@@ -345,6 +345,7 @@ TEST_F(TrctlTest, CompletionOffersCommandsAndTheirOptions) {
     EXPECT_EQ(bash(completions("watch --p")).output, "--plot\n");
     EXPECT_EQ(bash(completions("list --")).output,
               "--help\n--bus\n--color\n--parameters\n--level\n");
+    EXPECT_EQ(bash(completions("report --s")).output, "--seconds\n--snapshot\n");
     EXPECT_EQ(bash(completions("--color a")).output, "auto\nalways\n");
 }
 
