@@ -2,7 +2,7 @@
 
 namespace trctl {
 
-/// report.html, without its indentation; the build makes the definition from that file.
+/// report.html, without indentation and comments; the build makes the definition from that file.
 /// {{nonce}} and {{data}} differ from page to page.
 extern const char kReportTemplate[];
 

@@ -55,16 +55,12 @@ TEST_F(TrctlReportTest, ThePageHoldsWhatTheBusReadsButTheSecrets) {
 
 TEST_F(TrctlReportTest, WhatChangesWhileItWatchesIsASeries) {
     start();
-    const Result result = bash("\"$TRCTL\" report --seconds 2 - " + kHost +
-                               " >/tmp/report.html 2>/tmp/report-errors & number=0\n"
-                               "while kill -0 $! 2>/dev/null; do\n"
-                               "\"$TRCTL\" set " +
-                               kHost +
-                               " $((++number)) >/dev/null\n"
-                               "done; wait $!");
+    const auto trctl = begin({"report", "--seconds", "2", "-", kHost});
+    for (int i = 0; trctl->isRunning(); ++i) client().set(kHost, std::to_string(i));
+    const Result result = end(*trctl);
     EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_EQ(box::readFile("/tmp/report-errors"), "") << "a progress line without a terminal";
-    const std::string data = pageData();
+    EXPECT_EQ(result.errors, "") << "a progress line without a terminal";
+    const std::string data = dataOf(result.output);
     EXPECT_TRUE(has(data, '"' + kHost + R"(":[[)")) << data;
     EXPECT_TRUE(has(data, "Device.DeviceInfo.SerialNumber")) << data;
     EXPECT_FALSE(has(data, "Device.Services.STBService.1.Capabilities")) << data;
