@@ -74,20 +74,16 @@ bool hasSucceeded(pid_t process) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-}  // namespace
-
-std::optional<std::string> readFromArchive(const std::string& archive, const std::string& member,
-                                           std::string& error) {
-    const Descriptor file(archive == "-" ? dup(STDIN_FILENO)
-                                         : open(archive.c_str(), O_RDONLY | O_CLOEXEC));
+// Nothing, with the reason, when tar does not start or does not succeed.
+std::optional<std::string> unpacked(int archive, const std::string& member, std::string& error) {
     std::array<int, 2> ends{};
-    if (file.get() < 0 || pipe2(ends.data(), O_CLOEXEC) != 0) {
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         error = reason();
         return std::nullopt;
     }
     Descriptor in(ends[0]);
     Descriptor out(ends[1]);
-    const pid_t process = startTar(file.get(), out.get(), member);
+    const pid_t process = startTar(archive, out.get(), member);
     if (process < 0) {
         error = "tar cannot be started: " + reason();
         return std::nullopt;
@@ -95,10 +91,20 @@ std::optional<std::string> readFromArchive(const std::string& archive, const std
     out.close();
     std::string content = readAll(in.get());
     in.close();  // one with more to write gets SIGPIPE
-    const bool isRead = hasSucceeded(process);
-    if (content.size() <= kLargest && isRead) return content;
+    if (hasSucceeded(process) && content.size() <= kLargest) return content;
     error = content.size() > kLargest ? member + " in it is too large"
                                       : "it is not an archive with " + member + " in it";
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> readFromArchive(const std::string& archive, const std::string& member,
+                                           std::string& error) {
+    const Descriptor file(archive == "-" ? dup(STDIN_FILENO)
+                                         : open(archive.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file.get() >= 0) return unpacked(file.get(), member, error);
+    error = reason();
     return std::nullopt;
 }
 
