@@ -1,4 +1,4 @@
-# The .deb of this build, made by cpack: everything that is installed, stripped, with the scripts in debian/.
+# The .deb of this build, made by cpack: everything that is installed, with the scripts in debian/.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "kelm-trd developers <kelm-trd@kelm.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "TR-069 parameters of an IPTV set-top box on D-Bus")
@@ -11,7 +11,10 @@ set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_STRIP_FILES ON)
+# What is stripped goes into kelm-trd-dbgsym, a .ddeb beside the .deb.
+set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
+set(CPACK_OBJCOPY_EXECUTABLE ${CMAKE_OBJCOPY})
+set(CPACK_READELF_EXECUTABLE ${CMAKE_READELF})
 # /etc and /var are absolute and have to be collected too.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
@@ -20,6 +23,8 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 
 # The units' bus, and the tool that waits for it.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "dbus-daemon, dbus-bin")
+# The box's image has these commands, or busybox has them; without one of them the daemon leaves out what it reads there.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "iw, net-tools | busybox, procps | busybox")
 set(KELM_ARMHF_DEPENDS "libc6 (>= 2.34), libdbus-1-3 (>= 1.9.14), libdbus-c++-1-0v5 (>= 0.9.0), libgcc-s1 (>= 3.5),"
                        "libjson-c5 (>= 0.15), libstdc++6 (>= 11)")
 if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CXX_LIBRARY_ARCHITECTURE STREQUAL arm-linux-gnueabihf)
@@ -41,5 +46,6 @@ foreach(file conffiles postinst prerm postrm)
   list(APPEND CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/${file})
 endforeach()
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/documents.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/dbgsym.cmake)
 set(CPACK_KELM_SOURCE ${PROJECT_SOURCE_DIR})
 include(CPack)

@@ -71,9 +71,9 @@ struct Row {
     int (*run)(Context&);
 };
 
-constexpr Row kCommands[] = {{"get", get},   {"set", set},   {"list", list},
-                             {"tree", tree}, {"info", info}, {"watch", watch},
-                             {"wait", wait}, {"diff", diff}, {"changes", changes}};
+constexpr Row kCommands[] = {
+    {"get", get},     {"set", set},   {"list", list}, {"tree", tree},       {"info", info},
+    {"watch", watch}, {"wait", wait}, {"diff", diff}, {"changes", changes}, {"report", report}};
 
 }  // namespace
 

@@ -28,6 +28,7 @@ int watch(Context& context);
 int wait(Context& context);
 int diff(Context& context);
 int changes(Context& context);
+int report(Context& context);
 
 /// Looks the command up that the options name, and runs it.
 int runCommand(Context& context);

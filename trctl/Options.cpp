@@ -81,6 +81,15 @@ constexpr char kChangesExamples[] =
     "\n"
     "Examples:\n"
     "  trctl changes";
+constexpr char kReportExamples[] =
+    "The page needs no network and masks passphrases and passwords. FILE ends in .html; - is "
+    "standard\n"
+    "output; without one the name holds the time.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl report box.html\n"
+    "  trctl report box.html --seconds 60 Device.IP.\n"
+    "  trctl report box.html --snapshot kelm-snapshot-stb-20261121T195638Z.tar.gz";
 
 /// One command of the program, whose positional arguments and options the caller adds.
 CLI::App* add(CLI::App& app, const char* name, const char* about, const char* footer) {
@@ -147,6 +156,21 @@ void addComparing(CLI::App& app, Options& options) {
     add(app, "changes", "Print the pending change lines, checked", kChangesExamples);
 }
 
+void addReport(CLI::App& app, Options& options) {
+    CLI::App* report = add(app, "report", "Write one HTML page to look at", kReportExamples);
+    report
+        ->add_option("FILE PATH", options.paths, "The page, and what is in it; all of it otherwise")
+        ->type_name("");
+    CLI::Option* seconds =
+        report->add_option("--seconds", options.watchSeconds, "How long to watch for changes")
+            ->check(CLI::Range(0.0, 86'400.0))
+            ->type_name("SECONDS")
+            ->capture_default_str();
+    report->add_option("--snapshot", options.snapshot, "Read kelm-trd-snapshot's archive instead")
+        ->type_name("ARCHIVE")
+        ->excludes(seconds);
+}
+
 void addCommon(CLI::App& app, Options& options) {
     const std::map<std::string, ColorMode> modes = {
         {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
@@ -172,6 +196,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
     addWriting(app, options);
     addWaiting(app, options);
     addComparing(app, options);
+    addReport(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

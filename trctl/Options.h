@@ -31,6 +31,8 @@ struct Options {
     bool ascii = false;
     double intervalSeconds = 1;
     double timeoutSeconds = 30;
+    std::string snapshot;      ///< the archive that `report` reads instead of the daemon
+    double watchSeconds = 10;  ///< how long `report` watches
 };
 
 /// Nothing when the program is to end at once with \p status: help was printed, or the call is

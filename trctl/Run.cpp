@@ -2,6 +2,7 @@
 
 #include "client/BusDaemon.h"
 #include "trctl/Commands.h"
+#include "trctl/Report.h"
 
 #include <clocale>
 #include <csignal>
@@ -64,7 +65,8 @@ int run(int argc, const char* const* argv) {
     try {
         int status = kDone;
         const auto options = parseOptions(argc, argv, status);
-        return options ? runOnBus(*options) : status;
+        if (!options) return status;
+        return options->snapshot.empty() ? runOnBus(*options) : reportOfSnapshot(*options);
     } catch (const std::exception& error) {
         complain(error.what());
         return kRefused;

@@ -26,6 +26,11 @@ _trctl_offer() { # _trctl_offer WORD CANDIDATE...
     done
 }
 
+_trctl_files() { # _trctl_files WORD
+    mapfile -t COMPREPLY < <(compgen -f -- "$1")
+    compopt -o filenames 2>/dev/null || true
+}
+
 _trctl_options() { # _trctl_options COMMAND WORD
     local common=(--help --bus --color)
     case $1 in
@@ -34,6 +39,7 @@ _trctl_options() { # _trctl_options COMMAND WORD
         tree) _trctl_offer "$2" "${common[@]}" --ascii ;;
         watch) _trctl_offer "$2" "${common[@]}" --interval --plot --ascii ;;
         wait) _trctl_offer "$2" "${common[@]}" --timeout ;;
+        report) _trctl_offer "$2" "${common[@]}" --seconds --snapshot ;;
         "") _trctl_offer "$2" "${common[@]}" --version ;;
         *) _trctl_offer "$2" "${common[@]}" ;;
     esac
@@ -41,7 +47,7 @@ _trctl_options() { # _trctl_options COMMAND WORD
 
 _trctl() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} name='' index positionals=0
-    local names=(get set list tree info watch wait diff changes)
+    local names=(get set list tree info watch wait diff changes report)
     COMPREPLY=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [[ ! $name && " ${names[*]} " == *" ${COMP_WORDS[index]} "* ]]; then
@@ -52,7 +58,8 @@ _trctl() {
     done
     case $previous in
         --color) _trctl_offer "$word" auto always never && return ;;
-        --bus | --interval | --timeout) return ;;
+        --bus | --interval | --timeout | --seconds) return ;;
+        --snapshot) _trctl_files "$word" && return ;;
     esac
     if [[ $word == -* ]]; then
         _trctl_options "$name" "$word"
@@ -62,10 +69,13 @@ _trctl() {
         "") _trctl_offer "$word" "${names[@]}" ;;
         changes | wait) ;;
         set) ((positionals > 0)) || _trctl_paths "$word" ;;
+        report)
+            _trctl_files "$word"
+            ((${#COMPREPLY[@]} > 0)) || _trctl_paths "$word"
+            ;;
         diff)
             if ((positionals == 0)); then
-                mapfile -t COMPREPLY < <(compgen -f -- "$word")
-                compopt -o filenames 2>/dev/null
+                _trctl_files "$word"
             else
                 _trctl_paths "$word"
             fi

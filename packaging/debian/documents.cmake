@@ -7,6 +7,8 @@ string(TIMESTAMP KELM_DEB_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(${debian}/copyright ${documents}/copyright COPYONLY)
 configure_file(${CPACK_KELM_SOURCE}/CHANGELOG.md ${documents}/changelog COPYONLY)
 configure_file(${debian}/changelog.in ${documents}/changelog.Debian @ONLY)
+configure_file(${debian}/lintian-overrides
+               ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share/lintian/overrides/${CPACK_DEBIAN_PACKAGE_NAME} COPYONLY)
 
 file(GLOB_RECURSE pages LIST_DIRECTORIES false ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share/man/*)
 foreach(file IN LISTS pages ITEMS ${documents}/changelog ${documents}/changelog.Debian)

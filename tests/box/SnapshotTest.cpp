@@ -177,12 +177,14 @@ TEST_F(SnapshotTest, TheWholeHasItsLimitToo) {
         << result.output;
 }
 
-TEST_F(SnapshotTest, TheDaemonsZoneIsTaken) {
+TEST_F(SnapshotTest, TheDaemonsZoneAndVersionAreTaken) {
     const Result result = take(
-        "cp /usr/host/bin/sleep /tmp/kelm-trd; TZ=KLM-3 SECRET_TOKEN=none /tmp/kelm-trd 1000 &");
+        "cp /usr/host/bin/sleep /tmp/kelm-trd; printf '\\0kelm-trd 9.8.7\\0' >>/tmp/kelm-trd; "
+        "TZ=KLM-3 SECRET_TOKEN=none /tmp/kelm-trd 1000 &");
     ASSERT_EQ(result.end, ExitStatus{}) << result.output;
     EXPECT_NE(file("environment").find("TZ=KLM-3\n"), std::string::npos) << file("environment");
     EXPECT_EQ(file("environment").find("SECRET"), std::string::npos);
+    EXPECT_NE(file("about").find("\ndaemon 9.8.7\n"), std::string::npos) << file("about");
     EXPECT_EQ(replay("date +%z").output, "+0300\n");
 }
 

@@ -54,6 +54,11 @@ TEST_F(TrctlTerminalTest, ValuesStandInAColumn) {
     EXPECT_TRUE(has(text, "Device.DeviceInfo.ManufacturerOUI = 001A2B\r\n")) << text;
 }
 
+TEST_F(TrctlTerminalTest, AReportShowsItsProgressAndClearsIt) {
+    const std::string text = seen({"report", "/tmp/report.html", "--seconds", "1", kUpTime});
+    EXPECT_TRUE(has(text, " parameters: 1 of 1 s\x1b[K\r\x1b[K/tmp/report.html: ")) << text;
+}
+
 TEST_F(TrctlTerminalTest, ATreeFitsTheTerminal) {
     const std::string text =
         seen({"tree", "Device.DeviceInfo."}, {{"NO_COLOR", "1"}, {"LC_ALL", "C"}}, 40);

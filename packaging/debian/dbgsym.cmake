@@ -1,0 +1,18 @@
+# Run by cpack behind everything: in a package of debug symbols cpack lists its files by the paths of this machine, and
+# leaves out the documents, which are those of the package that it belongs to.
+foreach(package IN LISTS CPACK_PACKAGE_FILES)
+  if(NOT package MATCHES "([^/]+)-dbgsym_[^/]*\\.ddeb$")
+    continue()
+  endif()
+  set(owner ${CMAKE_MATCH_1})
+  set(folder ${package}.unpacked)
+  file(REMOVE_RECURSE ${folder})
+  execute_process(COMMAND dpkg-deb --raw-extract ${package} ${folder} COMMAND_ERROR_IS_FATAL ANY)
+  file(READ ${folder}/DEBIAN/md5sums sums)
+  string(REGEX REPLACE "  [^\n]*/(usr/lib/debug/)" "  \\1" sums "${sums}")
+  file(WRITE ${folder}/DEBIAN/md5sums "${sums}")
+  file(MAKE_DIRECTORY ${folder}/usr/share/doc)
+  file(CREATE_LINK ${owner} ${folder}/usr/share/doc/${owner}-dbgsym SYMBOLIC)
+  execute_process(COMMAND dpkg-deb --root-owner-group --build ${folder} ${package} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  file(REMOVE_RECURSE ${folder})
+endforeach()
