@@ -18,7 +18,6 @@ namespace TR::Utils {
 namespace {
 
 constexpr std::size_t kPieceBytes = 998;
-constexpr char kNullDevice[] = "/dev/null";
 constexpr int kNoOutput = -1;
 
 // The process groups of the running commands, for killRunningCommands(). Two threads of the daemon
@@ -36,73 +35,65 @@ std::atomic<pid_t>* claimGroup() {
     return nullptr;
 }
 
-/// How a command starts. The daemon itself ignores some signals and blocks others.
-class SpawnSettings {
-  public:
-    explicit SpawnSettings(int output) {
-        posix_spawn_file_actions_init(&files_);
-        posix_spawnattr_init(&attributes_);
-        // First the output: without it the daemon may have been given descriptor 0 or 2 as a pipe.
-        isComplete_ = (output == kNoOutput ? open(STDOUT_FILENO, O_WRONLY)
-                                           : posix_spawn_file_actions_adddup2(
-                                                 &files_, output, STDOUT_FILENO) == 0) &&
-                      open(STDIN_FILENO, O_RDONLY) && open(STDERR_FILENO, O_WRONLY);
-        setSignals();
-    }
-    ~SpawnSettings() {
-        posix_spawn_file_actions_destroy(&files_);
-        posix_spawnattr_destroy(&attributes_);
-    }
-    SpawnSettings(const SpawnSettings&) = delete;
-    SpawnSettings& operator=(const SpawnSettings&) = delete;
+// The output first: without standard descriptors the pipe may be number 0 or 2.
+void setFiles(posix_spawn_file_actions_t* files, int output) {
+    const auto open = [files](int descriptor, int flags) {
+        posix_spawn_file_actions_addopen(files, descriptor, "/dev/null", flags, 0);
+    };
+    if (output == kNoOutput)
+        open(STDOUT_FILENO, O_WRONLY);
+    else
+        posix_spawn_file_actions_adddup2(files, output, STDOUT_FILENO);
+    open(STDIN_FILENO, O_RDONLY);
+    open(STDERR_FILENO, O_WRONLY);
+}
 
-    /// The process, which leads its own group; kFree when there is none to be had.
-    pid_t spawn(const char* command) const {
-        const char* const arguments[] = {"sh", "-c", command, nullptr};
-        pid_t pid = kFree;
-        const bool isStarted =
-            isComplete_ && posix_spawn(&pid, "/bin/sh", &files_, &attributes_,
-                                       const_cast<char* const*>(arguments), environ) == 0;
-        return isStarted ? pid : kFree;
-    }
+// The daemon itself blocks SIGINT and ignores the two that are set to their defaults here.
+void setSignals(posix_spawnattr_t* attributes) {
+    sigset_t signals;
+    sigemptyset(&signals);
+    posix_spawnattr_setsigmask(attributes, &signals);
+    sigaddset(&signals, SIGPIPE);
+    sigaddset(&signals, SIGXFSZ);
+    posix_spawnattr_setsigdefault(attributes, &signals);
+    posix_spawnattr_setflags(
+        attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+}
 
-  private:
-    bool open(int descriptor, int flags) {
-        return posix_spawn_file_actions_addopen(&files_, descriptor, kNullDevice, flags, 0) == 0;
-    }
-    void setSignals() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&attributes_, &signals);
-        sigaddset(&signals, SIGPIPE);
-        sigaddset(&signals, SIGXFSZ);
-        posix_spawnattr_setsigdefault(&attributes_, &signals);
-        posix_spawnattr_setflags(
-            &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    }
-
-    posix_spawn_file_actions_t files_{};
-    posix_spawnattr_t attributes_{};
-    bool isComplete_ = false;
-};
+/// The shell's process, which leads its own group; kFree when there is none to be had.
+pid_t spawn(const char* command, int output) {
+    posix_spawn_file_actions_t files;
+    posix_spawnattr_t attributes;
+    posix_spawn_file_actions_init(&files);
+    posix_spawnattr_init(&attributes);
+    setFiles(&files, output);
+    setSignals(&attributes);
+    const char* const arguments[] = {"sh", "-c", command, nullptr};
+    pid_t pid = kFree;
+    const int error = posix_spawn(&pid, "/bin/sh", &files, &attributes,
+                                  const_cast<char* const*>(arguments), environ);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&files);
+    return error == 0 ? pid : kFree;
+}
 
 /// One run of a command, from its start to its end, for which the destructor waits.
 class Command {
   public:
-    Command(const std::string& text, int output) : group_(claimGroup()) {
-        if (group_ != nullptr)
-            *group_ = isEnding ? kFree : SpawnSettings(output).spawn(text.c_str());
+    Command(const std::string& text, int output)
+        : group_(claimGroup()),
+          pid_(group_ == nullptr || isEnding ? kFree : spawn(text.c_str(), output)) {
+        if (group_ != nullptr) *group_ = pid_;
     }
     ~Command() {
-        const pid_t pid = group_ == nullptr ? kFree : group_->load();
-        if (pid == kFree) return;
+        if (pid_ == kFree) return;
         siginfo_t ignored;
-        while (waitid(P_PID, static_cast<id_t>(pid), &ignored, WEXITED | WNOWAIT) < 0 &&
+        while (waitid(P_PID, static_cast<id_t>(pid_), &ignored, WEXITED | WNOWAIT) < 0 &&
                errno == EINTR) {
         }
         // Before the number is free for another process, which nobody must kill.
         *group_ = kFree;
-        while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+        while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
         }
     }
     Command(const Command&) = delete;
@@ -110,6 +101,7 @@ class Command {
 
   private:
     std::atomic<pid_t>* const group_;
+    const pid_t pid_;
 };
 
 /// The reading end of a pipe, owned.
