@@ -23,6 +23,6 @@ class STBLoggerContainer {
     STBLoggerContainer() = default;
 
     pthread_helper::mutex mutex_;
-    /// Guarded by mutex_; the loggers themselves do not move.
-    std::map<std::string, std::unique_ptr<STBLogger>> loggers_;
+    /// The loggers themselves do not move.
+    std::map<std::string, std::unique_ptr<STBLogger>> loggers_ KELM_GUARDED_BY(mutex_);
 };

@@ -70,12 +70,11 @@ class STBThread {
     void shutdown();
 
   private:
-    void launch();
-    void joinRunning();
+    void launch() KELM_REQUIRES(controlMutex_, sleepMutex_);
+    void joinRunning() KELM_REQUIRES(controlMutex_, sleepMutex_);
     void runGuarded();
 
-    /// Written under both mutexes.
-    UniqueThreadPtr record_;
+    UniqueThreadPtr record_ KELM_GUARDED_BY(controlMutex_);
     std::atomic<bool> running_{false};
 
     pthread_helper::mutex controlMutex_;
