@@ -18,4 +18,12 @@ __attribute__((format(printf, 2, 0))) void vsyslog(int priority, const char* for
     std::fputc('\n', stderr);
 }
 
+/// What a fortified build calls instead.
+__attribute__((format(printf, 3, 0))) void __vsyslog_chk(  // NOLINT(bugprone-reserved-identifier)
+    int priority, int /*flag*/, const char* format, va_list arguments) {
+    std::fprintf(stderr, "syslog %d: ", priority);
+    std::vfprintf(stderr, format, arguments);
+    std::fputc('\n', stderr);
+}
+
 }  // extern "C"
