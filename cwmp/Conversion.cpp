@@ -1,8 +1,8 @@
 #include "cwmp/Conversion.h"
 
 #include "cwmp/DateTime.h"
+#include "cwmp/Log.h"
 #include "cwmp/Text.h"
-#include "stb/src/common/STBLogger.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -103,9 +103,8 @@ std::string logged(const std::string& text) {
 std::string shortened(const std::string& parameter, const std::string& text) {
     std::string clean = xmlClean(text);
     if (clean.size() <= kLongestValue) return clean;
-    STBLogger_log(kelmLogParams(), "", STBLogLevel::Warn, __LINE__, __FILE__,
-                  "The value of %s is cut from %zu bytes to %zu", parameter.c_str(), clean.size(),
-                  kLongestValue);
+    warn("The value of " + parameter + " is cut from " + std::to_string(clean.size()) +
+         " bytes to " + std::to_string(kLongestValue));
     return std::string(headOf(clean, kLongestValue));
 }
 

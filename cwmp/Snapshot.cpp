@@ -3,22 +3,9 @@
 #include "cwmp/Json.h"
 #include "stb/src/common/Text.h"
 
-#include <string_view>
-#include <unordered_map>
+#include <utility>
 
 namespace cwmp {
-
-namespace {
-
-using Known = std::unordered_map<std::string_view, const std::string*>;
-
-Known valuesOf(const Rows& rows) {
-    Known known;
-    for (const Row& row : rows) known.emplace(row.parameter, &row.value);
-    return known;
-}
-
-}  // namespace
 
 std::string formatRow(const Row& row) {
     return jsonLine({{"parameter", row.parameter},
@@ -44,23 +31,22 @@ Rows parseRows(const std::string& text) {
     return rows;
 }
 
-Rows changedSince(const Rows& earlier, const Rows& today) {
-    const Known known = valuesOf(earlier);
-    Rows changed;
-    for (const Row& row : today) {
-        const auto before = known.find(row.parameter);
-        if (before != known.end() && *before->second != row.value) changed.push_back(row);
+KnownRows byParameter(Rows rows) {
+    KnownRows known;
+    for (Row& row : rows) {
+        const std::string parameter = row.parameter;
+        known.emplace(parameter, std::move(row));
     }
-    return changed;
+    return known;
 }
 
-Rows withKnownValues(const Rows& earlier, Rows today) {
-    const Known known = valuesOf(earlier);
-    for (Row& row : today) {
-        const auto before = known.find(row.parameter);
-        if (before != known.end()) row.value = *before->second;
+Rows changedSince(const KnownRows& earlier, const Rows& today) {
+    Rows changed;
+    for (const Row& row : today) {
+        const auto before = earlier.find(row.parameter);
+        if (before != earlier.end() && before->second.value != row.value) changed.push_back(row);
     }
-    return today;
+    return changed;
 }
 
 }  // namespace cwmp

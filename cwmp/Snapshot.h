@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,12 @@ std::string formatRows(const Rows& rows);
 /// A line that is not a row is left out.
 Rows parseRows(const std::string& text);
 
+/// Rows by their parameter; of two with the same the first counts.
+using KnownRows = std::map<std::string, Row>;
+KnownRows byParameter(Rows rows);
+
 /// The rows of today whose value is another one than in the earlier rows. A parameter that was not
 /// watched then has no change.
-Rows changedSince(const Rows& earlier, const Rows& today);
-
-/// The rows of today, each with the value that the ACS knows from the earlier ones.
-Rows withKnownValues(const Rows& earlier, Rows today);
+Rows changedSince(const KnownRows& earlier, const Rows& today);
 
 }  // namespace cwmp

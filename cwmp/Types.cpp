@@ -212,4 +212,8 @@ bool isTrigger(const std::string& parameter) {
     return endsWithOneOf(parameter, kTriggers);
 }
 
+bool isBehindShell(const std::string& parameter) {
+    return parameter == "Device.DeviceInfo.ProvisioningCode";
+}
+
 }  // namespace cwmp

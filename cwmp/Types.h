@@ -19,4 +19,7 @@ bool isSecret(const std::string& parameter);
 /// What the ACS writes starts something and may read 0 again at once.
 bool isTrigger(const std::string& parameter);
 
+/// The daemon puts what is written there into a command of a shell, between double quotes.
+bool isBehindShell(const std::string& parameter);
+
 }  // namespace cwmp

@@ -32,18 +32,9 @@ TEST(CwmpSnapshotTest, LinesThatAreNotRowsAreLeftOut) {
 TEST(CwmpSnapshotTest, OnlyWhatWasWatchedBeforeCanHaveChanged) {
     const Rows earlier{{"A", "1", "1", ""}, {"B", "1", "1", ""}, {"C", "1", "1", ""}};
     const Rows today{{"A", "1", "1", ""}, {"B", "2", "2", ""}, {"D", "9", "1", ""}};
-    const Rows changed = changedSince(earlier, today);
+    const Rows changed = changedSince(byParameter(earlier), today);
     ASSERT_EQ(changed.size(), 1U);
     EXPECT_EQ(formatRow(changed[0]), formatRow(today[1]));
-}
-
-TEST(CwmpSnapshotTest, KnownValuesAreKeptUntilTheyHaveBeenReported) {
-    const Rows kept = withKnownValues({{"B", "1", "1", ""}, {"C", "1", "1", ""}},
-                                      {{"B", "2", "2", ""}, {"D", "9", "1", ""}});
-    ASSERT_EQ(kept.size(), 2U);
-    EXPECT_EQ(kept[0].value, "1");
-    EXPECT_EQ(kept[0].notification, "2");
-    EXPECT_EQ(kept[1].value, "9");
 }
 
 }  // namespace
