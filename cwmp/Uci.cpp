@@ -25,7 +25,11 @@ Ended runUci(const std::string& action, std::vector<std::string> arguments,
 std::optional<UciOptions> UciProgram::show() {
     const Ended ended = runUci("show", {kPackage}, deadline_);
     if (!ended.isGood()) return std::nullopt;
-    return parseUciShow(ended.output);
+    UciOptions options = parseUciShow(ended.output);
+    // The client does not run without; an empty answer must not look like nothing being watched.
+    if (options.count("@acs[0]") != 0) return options;
+    warn("uci show prints no settings of the client");
+    return std::nullopt;
 }
 
 bool UciProgram::change(const char* action, const std::string& option, const std::string& value) {
