@@ -40,7 +40,8 @@ Deadline::Milliseconds waitForDaemon() {
 
 std::string busAddress() {
     const char* const address = variable("DBUS_SESSION_BUS_ADDRESS");
-    return address == nullptr || *address == '\0' ? "unix:path=/run/kelm-trd/bus" : "";
+    if (address != nullptr && *address != '\0') return address;
+    return "unix:path=/run/kelm-trd/bus;unix:path=/var/run/kelm-trd/bus";
 }
 
 // False when nobody reads the answers any more.

@@ -225,7 +225,7 @@ void Session::informParameter() {
         const auto all = it_.model.treeFor("").parametersWithin("");
         it_.model.ask(DataModel::Question::ForcedInform, all, collect);
         answerValues(forced);
-        refreshWatch();
+        if (!it_.isForPeople) refreshWatch();
     } catch (const client::Unreachable& loss) {
         // The ACS should hear of the box all the same.
         warn(std::string("inform parameter: ") + loss.what());
@@ -240,7 +240,7 @@ void Session::informParameter() {
 // failed. What fails here is tried again with the next session.
 void Session::refreshWatch() {
     try {
-        if (!it_.isForPeople) it_.watch.update();
+        it_.watch.update();
     } catch (const std::exception& error) {
         warn(std::string("what the ACS watches is not up to date: ") + error.what());
     }

@@ -394,6 +394,59 @@ TEST_F(CwmpTest, HooksGetWhatTheyNeedAndTheirStatusIsAFault) {
     EXPECT_EQ(cwmp({R"({ "command": "upload" })"}), Lines{R"({ "fault_code": "9011" })"});
 }
 
+/// The hook that docs/cwmp.md shows under this name.
+std::string documentedHook(const std::string& name) {
+    const std::string text = box::readFile(KELM_CWMP_DOCUMENT),
+                      mark = "<!-- hook " + name + " -->\n```sh\n";
+    const std::size_t start = text.find(mark);
+    if (start == std::string::npos) return "";
+    return text.substr(start + mark.size(),
+                       text.find("\n```", start + mark.size()) - start - mark.size() + 1);
+}
+
+void placeCommand(const std::string& name) {
+    const std::string path = "/usr/bin/" + name;
+    std::remove(path.c_str());
+    box::writeFile(path, "#!/bin/sh\necho \"${0##*/} $*\" >>/tmp/commands\n");
+    chmod(path.c_str(), 0755);
+}
+
+TEST_F(CwmpTest, TheDocumentedHooksDoWhatTheyShould) {
+    for (const char* name : {"download", "apply", "upload", "factory_reset"})
+        placeHook(name, documentedHook(name));
+    for (const char* name : {"sysupgrade", "jffs2mark", "reboot"}) placeCommand(name);
+    placeHook("reboot", box::readFile(KELM_CWMP_REBOOT));
+    box::writeFile("/tmp/www/fw.bin", "firmware");
+    box::writeFile("/tmp/www/cgi-bin/put",
+                   "#!/bin/sh\ncat >/tmp/put\nprintf 'Content-Type: text/plain\\r\\n\\r\\n'\n");
+    chmod("/tmp/www/cgi-bin/put", 0755);
+    Child server({"/usr/host/bin/busybox", "httpd", "-f", "-p", "127.0.0.1:8099", "-h", "/tmp/www"},
+                 "/tmp/httpd");
+    ASSERT_TRUE(box::waitUntil(
+        [] { return std::system("wget -q -O /dev/null http://127.0.0.1:8099/fw.bin") == 0; }));
+    const auto transfer = [](const char* command, const char* file, const char* type,
+                             const char* size) {
+        const std::string line = std::string("{\"command\":\"") + command +
+                                 "\",\"url\":\"http://127.0.0.1:8099/" + file +
+                                 "\",\"file_type\":\"" + type + "\",\"file_size\":\"" + size +
+                                 "\",\"user_name\":\"me\",\"password\":\"x\"}";
+        const Lines got = cwmp({line});
+        return got.size() == 1 ? memberOf(got[0], "fault_code").value_or("done") : "no line";
+    };
+    constexpr char kFirmware[] = "1 Firmware Upgrade Image";
+    EXPECT_EQ(transfer("download", "nope.bin", kFirmware, "8"), "9010");
+    EXPECT_EQ(transfer("download", "fw.bin", kFirmware, "9"), "9018");
+    EXPECT_EQ(transfer("download", "fw.bin", kFirmware, "8"), "done");
+    EXPECT_EQ(cwmp({cwmpApply("download", kFirmware)}), Lines{R"({ "status": "1" })"});
+    EXPECT_EQ(cwmp({cwmpApply("download", "9 Other")}), Lines{R"({ "fault_code": "9010" })"});
+    EXPECT_EQ(transfer("upload", "cgi-bin/put", "2 Vendor Log File", ""), "done");
+    EXPECT_NE(box::readFile("/tmp/put"), "");
+    EXPECT_EQ(transfer("upload", "nope", "2 Vendor Log File", ""), "9011");
+    cwmp({R"({ "command": "factory_reset" })", R"({ "command": "reboot" })"});
+    EXPECT_EQ(box::readFile("/tmp/commands"),
+              "sysupgrade /tmp/kelm-trd-cwmp/file\njffs2mark -y\nreboot \nreboot \n");
+}
+
 TEST_F(CwmpTest, PeopleSeeWhatTheAcsWouldGet) {
     const std::string program = KELM_CWMP_PROGRAM;
     EXPECT_EQ(
