@@ -63,16 +63,17 @@ DataModel::Parameters Watch::watched(const Attributes& attributes) {
 
 // A value that the daemon refuses to send stays as the ACS knows it.
 Rows Watch::rowsOf(const DataModel::Parameters& parameters, const Attributes& attributes,
-                   const KnownRows& earlier) {
+                   const std::string& earlier) {
     Rows rows;
     rows.reserve(parameters.size());
     model_.ask(DataModel::Question::Value, parameters,
                [&](const std::string& name, const std::optional<std::string>& text) {
-                   const auto known = earlier.find(name);
-                   if (text)
+                   if (text) {
                        rows.push_back(rowOf(name, *text, attributes.of(name)));
-                   else if (known != earlier.end())
-                       rows.push_back(known->second);
+                       return;
+                   }
+                   for (Row& row : parseRows(earlier))
+                       if (row.parameter == name) rows.push_back(std::move(row));
                });
     return rows;
 }
@@ -103,23 +104,24 @@ void Watch::update() {
     model_.updateNotifTable();
 }
 
+// Without a change the two texts are the same, and the old one need not be taken apart.
 void Watch::check(const std::function<void(const Rows&)>& report) {
     const std::string old = file_.read();
-    const KnownRows earlier = byParameter(parseRows(old));
     const Attributes attributes = this->attributes();
-    const Rows today = rowsOf(watched(attributes), attributes, earlier);
+    const Rows today = rowsOf(watched(attributes), attributes, old);
     const std::string text = formatRows(today);
-    const bool isNew = text != old;
-    if (isNew && !file_.writeBeside(text)) throw std::runtime_error("nothing is reported");
-    report(changedSince(earlier, today));
-    if (isNew) file_.putInPlace();
+    if (text != old) {
+        if (!file_.writeBeside(text)) throw std::runtime_error("nothing is reported");
+        report(changedSince(byParameter(parseRows(old)), today));
+        file_.putInPlace();
+    }
     model_.updateNotifTable();
 }
 
 Rows Watch::look() {
-    const KnownRows earlier = byParameter(parseRows(file_.read()));
+    const std::string old = file_.read();
     const Attributes attributes = this->attributes();
-    return changedSince(earlier, rowsOf(watched(attributes), attributes, earlier));
+    return changedSince(byParameter(parseRows(old)), rowsOf(watched(attributes), attributes, old));
 }
 
 void Watch::acknowledge(const std::vector<std::pair<std::string, std::string>>& values) {

@@ -39,7 +39,7 @@ class Watch {
   private:
     DataModel::Parameters watched(const Attributes& attributes);
     Rows rowsOf(const DataModel::Parameters& parameters, const Attributes& attributes,
-                const KnownRows& earlier);
+                const std::string& earlier);
     void write(const std::string& text, const std::string& old);
     bool carryOut(const std::vector<Attributes::Step>& steps);
 
