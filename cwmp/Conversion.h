@@ -2,6 +2,7 @@
 
 #include "cwmp/Types.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -14,8 +15,8 @@ struct Seen {
 };
 
 /// Longer values cost the CWMP client the square of their length.
-constexpr std::size_t kLongestLog = 32 * 1024;
-constexpr std::size_t kLongestValue = 64 * 1024;
+constexpr std::size_t kLongestLog = std::size_t{32} * 1024;
+constexpr std::size_t kLongestValue = std::size_t{64} * 1024;
 
 /// The daemon's text of a parameter as the ACS sees it: by its type, a secret as empty, the log's
 /// end, without what XML forbids, and not too long. A text that does not fit its type goes out as a

@@ -107,8 +107,9 @@ std::int64_t daysOf(const Moment& moment) {
 }
 
 std::int64_t secondsOf(const Moment& moment) {
-    return daysOf(moment) * kDaySeconds + moment.hour * 3600 + moment.minute * 60 + moment.second -
-           std::int64_t{moment.zoneMinutes} * 60;
+    const std::int64_t minutes =
+        std::int64_t{60} * moment.hour + moment.minute - moment.zoneMinutes;
+    return daysOf(moment) * kDaySeconds + 60 * minutes + moment.second;
 }
 
 std::optional<std::string> formatted(const std::optional<Moment>& moment, const char* separator,

@@ -86,7 +86,7 @@ std::string optionOf(const std::string& parameter) {
 
 std::optional<std::string> stored(const std::string& parameter, const std::string& text) {
     const Xsd type = typeOf(parameter);
-    const auto value = fromAcs(type, text);
+    auto value = fromAcs(type, text);
     if (!value) return std::nullopt;
     if (type == Xsd::DateTime) return dateTimeToAcs(text);
     if (type == Xsd::UnsignedInt && *value == "0") return std::nullopt;

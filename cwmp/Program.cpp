@@ -87,7 +87,9 @@ std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
 std::vector<std::string> environmentWith(
     const std::vector<std::pair<std::string, std::string>>& settings) {
     std::vector<std::string> environment;
-    for (const auto& [name, value] : settings) environment.push_back(name + '=' + value);
+    environment.reserve(settings.size());
+    for (const auto& [name, value] : settings)
+        environment.emplace_back(name).append("=").append(value);
     const auto isSet = [&](const std::string& variable) {
         return std::any_of(settings.begin(), settings.end(), [&](const auto& setting) {
             return variable.compare(0, setting.first.size() + 1, setting.first + '=') == 0;

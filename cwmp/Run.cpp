@@ -25,7 +25,7 @@ constexpr int kFirstOther = 3;
 constexpr int kWrongCall = 2;
 constexpr int kPauseMilliseconds = 200;
 constexpr std::int64_t kUsualWaitSeconds = 30;
-constexpr std::int64_t kLongestWaitSeconds = 24 * 3600;
+constexpr std::int64_t kLongestWaitSeconds = std::int64_t{24} * 3600;
 
 const char* variable(const char* name) {
     return std::getenv(name);  // one thread; NOLINT(concurrency-mt-unsafe)

@@ -16,13 +16,13 @@ struct Character {
 };
 
 struct Form {
-    unsigned char mask, lead;  ///< of the first byte
     std::size_t bytes;
-    std::uint32_t lowest;  ///< a smaller code has a shorter form
+    std::uint32_t lowest;      ///< a smaller code has a shorter form
+    unsigned char mask, lead;  ///< of the first byte
 };
 
 constexpr Form kForms[] = {
-    {0x80, 0x00, 1, 0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
+    {1, 0, 0x80, 0x00}, {2, 0x80, 0xE0, 0xC0}, {3, 0x800, 0xF0, 0xE0}, {4, 0x10000, 0xF8, 0xF0}};
 
 bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;

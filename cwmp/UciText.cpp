@@ -13,18 +13,15 @@ std::vector<std::string> readValues(std::string_view text, std::size_t& position
     bool isQuoted = false;
     for (; position < text.size(); ++position) {
         const char letter = text[position];
+        const bool isEscaped = !isQuoted && letter == '\\' && position + 1 < text.size();
         if (letter == '\'')
             isQuoted = !isQuoted;
-        else if (isQuoted)
-            values.back() += letter;
-        else if (letter == '\n')
+        else if (!isQuoted && letter == '\n')
             break;
-        else if (letter == ' ')
+        else if (!isQuoted && letter == ' ')
             values.emplace_back();
-        else if (letter == '\\' && position + 1 < text.size())
-            values.back() += text[++position];
         else
-            values.back() += letter;
+            values.back() += isEscaped ? text[++position] : letter;
     }
     if (position < text.size()) ++position;
     return values;
