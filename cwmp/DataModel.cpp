@@ -31,6 +31,9 @@ const NameTree& DataModel::treeFor(const std::string& name) {
     if (management::isManaged(name)) return ownBranch;
     if (tree_) return *tree_;
     auto names = withDaemon([](client::Daemon& daemon) { return daemon.addresses(); });
+    // Any program on the bus can make the daemon list any name; one of these would break the XML.
+    const auto isBad = [](const std::string& other) { return !isXmlClean(other); };
+    names.erase(std::remove_if(names.begin(), names.end(), isBad), names.end());
     for (std::string& managed : management::names()) names.push_back(std::move(managed));
     return tree_.emplace(std::move(names));
 }

@@ -13,6 +13,8 @@ namespace cwmp {
 namespace {
 
 constexpr char kPrompt[] = "easycwmp>";
+// Of a name that does not exist; real ones have 256 characters at most.
+constexpr std::size_t kLongestName = 1024;
 // Each pause is a fifth of a second.
 constexpr int kPausesPerLogLine = 300;
 
@@ -142,10 +144,12 @@ bool Session::lacks(const char* key) const {
 
 void Session::answerFault(const std::string& parameter, FaultCode code) {
     ++faultCount_;
-    if (parameter.empty())
+    const std::string clean = xmlClean(parameter);
+    if (clean.empty())
         it_.answer(jsonLine({{"fault_code", textOf(code)}}));
     else
-        it_.answer(jsonLine({{"parameter", xmlClean(parameter)}, {"fault_code", textOf(code)}}));
+        it_.answer(
+            jsonLine({{"parameter", headOf(clean, kLongestName)}, {"fault_code", textOf(code)}}));
 }
 
 void Session::answerFaults(const std::vector<Fault>& faults) {

@@ -135,6 +135,15 @@ TEST_F(SessionTest, ADaemonThatGoesInTheMiddleLeavesAFaultOnTheLastLine) {
               R"({ "parameter": "Device.B.Rate", "value": "5", "type": "xsd:string" })");
 }
 
+TEST_F(SessionTest, NamesThatXmlForbidsAreNotInTheTree) {
+    life_.daemon.entries["Device.A.\x01"] = {"x", true, true};
+    EXPECT_EQ(answers({R"({"command":"get","class":"value","parameter":"Device.A."})"}).size(), 3U);
+    const std::string name(5000, 'x');
+    EXPECT_LT(answers({jsonLine({{"command", "get"}, {"class", "value"}, {"parameter", name}})})[0]
+                  .size(),
+              1100U);
+}
+
 TEST_F(SessionTest, ALostDaemonIsNotAskedAgainInTheSameGroup) {
     life_.daemon.callsUntilLost = 0;
     const std::string get = R"({"command":"get","class":"value","parameter":"Device.B.Rate"})";
