@@ -471,7 +471,7 @@ TEST_F(CwmpTest, PeopleSeeWhatTheAcsWouldGet) {
 class CwmpFullDiskTest : public CwmpTest {
   protected:
     void SetUp() override {
-        ASSERT_EQ(std::system("mount -t tmpfs -o size=256k tmpfs /tmp"), 0);
+        ASSERT_EQ(std::system("mount -t tmpfs -o size=4m tmpfs /tmp"), 0);
         start();
     }
 };
@@ -479,6 +479,7 @@ class CwmpFullDiskTest : public CwmpTest {
 TEST_F(CwmpFullDiskTest, AFullDiskOrAKilledBackEndLeavesTheOldFile) {
     watch(kConfig, "2");
     const std::string before = box::readFile(kFile);
+    ASSERT_NE(before, "");
     box::writeFile("/var/kelm/syslog_host", "10.0.0.1");
     std::system("dd if=/dev/zero of=/tmp/full bs=4096 2>/dev/null");
     EXPECT_EQ(cwmp(kCheck), Lines{});
@@ -494,7 +495,7 @@ TEST_F(CwmpFullDiskTest, AFullDiskOrAKilledBackEndLeavesTheOldFile) {
     }
     EXPECT_EQ(box::readFile(kFile), before);
     box::setFault("uci", "");
-    EXPECT_EQ(changes(), Lines{kHost + "=10.0.0.1"});
+    EXPECT_EQ(changes(), Lines{kHost + "=10.0.0.1"}) << box::readFile("/tmp/cwmp-errors");
 }
 
 class CwmpStartTest : public DaemonTest {};
