@@ -1,13 +1,12 @@
 #include "client/BusDaemon.h"
 
-#include <dbus-c++/dbus.h>
 #include <dbus/dbus.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <deque>
 #include <iterator>
-
-#include <TR_proxy.h>
+#include <utility>
 
 namespace client {
 
@@ -15,8 +14,8 @@ namespace {
 
 constexpr char kService[] = "com.kelm.stb.TR";
 constexpr char kObject[] = "/com/kelm/stb/TR";
-// The daemon answers between two steps of its cycle; a slow command of its may take a while.
-constexpr int kTimeoutMilliseconds = 30'000;
+// Enough that neither side waits for the other, few enough that the answers need little room.
+constexpr std::size_t kMostInFlight = 64;
 
 constexpr char kAdviceNoBus[] =
     "Set DBUS_SESSION_BUS_ADDRESS to the address of the daemon's session bus, or give it with\n"
@@ -43,9 +42,7 @@ constexpr Loss kLosses[] = {
     {DBUS_ERROR_DISCONNECTED, "the bus is gone", kAdviceNoBus},
 };
 
-[[noreturn]] void translate(const DBus::Error& error) {
-    const std::string name = error.name() != nullptr ? error.name() : "";
-    const std::string text = error.message() != nullptr ? error.message() : "";
+[[noreturn]] void fail(const std::string& name, const std::string& text) {
     const auto loss = std::find_if(std::begin(kLosses), std::end(kLosses),
                                    [&](const Loss& row) { return name == row.error; });
     if (name == DBUS_ERROR_DISCONNECTED) throw Unreachable(loss->reason, loss->advice);
@@ -53,83 +50,212 @@ constexpr Loss kLosses[] = {
     throw Refused(text + " (" + name + ")");
 }
 
-template <typename Call>
-auto translated(Call call) -> decltype(call()) {
-    try {
-        return call();
-    } catch (const DBus::Error& error) {
-        translate(error);
+struct Drop {
+    void operator()(DBusMessage* message) const { dbus_message_unref(message); }
+    void operator()(DBusPendingCall* call) const {
+        dbus_pending_call_cancel(call);
+        dbus_pending_call_unref(call);
     }
-}
-
-class Proxy : public com::kelm::stb::TR_proxy, public DBus::ObjectProxy {
-  public:
-    explicit Proxy(DBus::Connection& connection)
-        : DBus::ObjectProxy(connection, kObject, kService) {
-        set_timeout(kTimeoutMilliseconds);
+    void operator()(DBusConnection* connection) const {
+        dbus_connection_close(connection);
+        dbus_connection_unref(connection);
     }
 };
+using Message = std::unique_ptr<DBusMessage, Drop>;
+using Pending = std::unique_ptr<DBusPendingCall, Drop>;
+using Connection = std::unique_ptr<DBusConnection, Drop>;
+using Clock = std::chrono::steady_clock;
 
-// The binding makes no connection without a dispatcher; calls that block never enter it.
-DBus::Connection connect(DBus::BusDispatcher& dispatcher, const std::string& address) {
-    DBus::default_dispatcher = &dispatcher;
-    // One thread; NOLINTNEXTLINE(concurrency-mt-unsafe)
-    if (!address.empty()) setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
-    try {
-        DBus::Connection connection = DBus::Connection::SessionBus();
-        connection.exit_on_disconnect(false);
-        return connection;
-    } catch (const DBus::Error& error) {
-        throw Unreachable(std::string("there is no bus: ") + error.message(), kAdviceNoBus);
+std::string stringAt(DBusMessageIter& position) {
+    const char* text = "";
+    if (dbus_message_iter_get_arg_type(&position) == DBUS_TYPE_STRING)
+        dbus_message_iter_get_basic(&position, &text);
+    return text;
+}
+
+std::string textOf(const Message& reply) {
+    DBusMessageIter position;
+    return dbus_message_iter_init(reply.get(), &position) == 0 ? "" : stringAt(position);
+}
+
+std::vector<std::string> listOf(const Message& reply) {
+    std::vector<std::string> list;
+    DBusMessageIter position, element;
+    if (dbus_message_iter_init(reply.get(), &position) == 0 ||
+        dbus_message_iter_get_arg_type(&position) != DBUS_TYPE_ARRAY)
+        return list;
+    list.reserve(static_cast<std::size_t>(dbus_message_iter_get_element_count(&position)));
+    dbus_message_iter_recurse(&position, &element);
+    for (; dbus_message_iter_get_arg_type(&element) != DBUS_TYPE_INVALID;
+         dbus_message_iter_next(&element))
+        list.push_back(stringAt(element));
+    return list;
+}
+
+Message checked(Message reply) {
+    if (dbus_message_get_type(reply.get()) == DBUS_MESSAGE_TYPE_ERROR)
+        fail(dbus_message_get_error_name(reply.get()), textOf(reply));
+    return reply;
+}
+
+Message callOf(const char* member, std::initializer_list<const std::string*> arguments) {
+    Message call(dbus_message_new_method_call(kService, kObject, kService, member));
+    // Nobody answers in the name of a daemon that is not there.
+    dbus_message_set_auto_start(call.get(), FALSE);
+    for (const std::string* argument : arguments) {
+        const char* const text = argument->c_str();
+        // libdbus ends the process over such a text; it has no NUL either.
+        if (dbus_validate_utf8(text, nullptr) == FALSE || argument->find('\0') != std::string::npos)
+            throw Refused("The text is not valid UTF-8, and the bus carries nothing else");
+        dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &text, DBUS_TYPE_INVALID);
     }
+    return call;
+}
+
+Connection open(const std::string& address) {
+    // One thread; NOLINTNEXTLINE(concurrency-mt-unsafe)
+    const char* const variable = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    const std::string place = address.empty() && variable != nullptr ? variable : address;
+    if (place.empty()) throw Unreachable("there is no bus: its address is not set", kAdviceNoBus);
+    DBusError error = DBUS_ERROR_INIT;
+    Connection connection(dbus_connection_open_private(place.c_str(), &error));
+    if (connection == nullptr) {
+        const std::string reason = error.message;
+        dbus_error_free(&error);
+        throw Unreachable("there is no bus: " + reason, kAdviceNoBus);
+    }
+    dbus_connection_set_exit_on_disconnect(connection.get(), FALSE);
+    return connection;
+}
+
+const char* memberFor(Daemon::Question question) {
+    constexpr const char* kMembers[] = {"get_value", "getWritable", "getForcedInform"};
+    return kMembers[static_cast<int>(question)];
 }
 
 }  // namespace
 
 struct BusDaemon::Connected {
-    explicit Connected(const std::string& address)
-        : connection(connect(dispatcher, address)), proxy(connection) {}
-    ~Connected() { connection.disconnect(); }
+    Connected(const std::string& address, std::chrono::milliseconds time)
+        : connection(open(address)) {
+        setTimeLeft(time);
+        sayHello();
+        hasDeadline = false;
+    }
 
-    DBus::BusDispatcher dispatcher;
-    DBus::Connection connection;
-    Proxy proxy;
+    void setTimeLeft(std::chrono::milliseconds time) {
+        deadline = Clock::now() + time;
+        hasDeadline = true;
+    }
+
+    // libdbus's own way to register waits for a silent bus longer than the caller may.
+    void sayHello() {
+        const Message hello(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
+                                                         DBUS_INTERFACE_DBUS, "Hello"));
+        try {
+            const std::string name = textOf(await(send(hello)));
+            dbus_bus_set_unique_name(connection.get(), name.c_str());
+        } catch (const std::runtime_error& error) {
+            throw Unreachable(std::string("there is no bus: ") + error.what(), kAdviceNoBus);
+        }
+    }
+
+    Pending send(const Message& call) {
+        DBusPendingCall* pending = nullptr;
+        // The deadline is kept here: a time-out of libdbus counts from the wait on.
+        if (dbus_connection_send_with_reply(connection.get(), call.get(), &pending,
+                                            DBUS_TIMEOUT_INFINITE) == FALSE)
+            fail(DBUS_ERROR_NO_MEMORY, "out of memory");
+        if (pending == nullptr) fail(DBUS_ERROR_DISCONNECTED, "");
+        return Pending(pending);
+    }
+
+    Message await(const Pending& pending) {
+        const auto end = hasDeadline ? deadline : Clock::now() + kTimePerCall;
+        while (dbus_pending_call_get_completed(pending.get()) == FALSE) {
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+            if (left <= 0) fail(DBUS_ERROR_TIMEOUT, "");
+            if (dbus_connection_read_write_dispatch(connection.get(), static_cast<int>(left)) ==
+                    FALSE &&
+                dbus_pending_call_get_completed(pending.get()) == FALSE)
+                fail(DBUS_ERROR_DISCONNECTED, "");
+        }
+        return checked(Message(dbus_pending_call_steal_reply(pending.get())));
+    }
+
+    Message call(const char* member, std::initializer_list<const std::string*> arguments) {
+        return await(send(callOf(member, arguments)));
+    }
+
+    std::optional<std::string> answer(const Pending& pending) {
+        try {
+            return textOf(await(pending));
+        } catch (const Refused&) {
+            return std::nullopt;
+        }
+    }
+
+    const Connection connection;
+    Clock::time_point deadline;
+    bool hasDeadline = false;
 };
 
-BusDaemon::BusDaemon(const std::string& busAddress)
-    : connected_(translated([&] { return std::make_unique<Connected>(busAddress); })) {}
+BusDaemon::BusDaemon(const std::string& busAddress, std::chrono::milliseconds timeToConnect)
+    : connected_(std::make_unique<Connected>(busAddress, timeToConnect)) {}
 
 BusDaemon::~BusDaemon() = default;
 
+void BusDaemon::setTimeLeft(std::chrono::milliseconds time) {
+    connected_->setTimeLeft(time);
+}
+
+bool BusDaemon::isConnected() const {
+    return dbus_connection_get_is_connected(connected_->connection.get()) != FALSE;
+}
+
 std::vector<std::string> BusDaemon::addresses() {
-    return translated([&] { return connected_->proxy.listAddresses(); });
+    return listOf(connected_->call("listAddresses", {}));
 }
 
 std::vector<std::string> BusDaemon::parameters() {
-    return translated([&] { return connected_->proxy.listParametersOnly(); });
+    return listOf(connected_->call("listParametersOnly", {}));
 }
 
 std::string BusDaemon::value(const std::string& address) {
-    return translated([&] { return connected_->proxy.get_value(address); });
+    return textOf(connected_->call("get_value", {&address}));
 }
 
 bool BusDaemon::isWritable(const std::string& address) {
-    return translated([&] { return connected_->proxy.getWritable(address); }) == "1";
+    return textOf(connected_->call("getWritable", {&address})) == "1";
 }
 
 bool BusDaemon::isForcedInform(const std::string& address) {
-    return translated([&] { return connected_->proxy.getForcedInform(address); }) == "1";
+    return textOf(connected_->call("getForcedInform", {&address})) == "1";
 }
 
 void BusDaemon::set(const std::string& address, const std::string& value) {
-    // libdbus ends the process over such a text.
-    if (dbus_validate_utf8(value.c_str(), nullptr) == FALSE)
-        throw Refused("The value is not valid UTF-8, and the bus carries nothing else");
-    translated([&] { connected_->proxy.set(address, value); });
+    connected_->call("set", {&address, &value});
 }
 
 std::string BusDaemon::changes() {
-    return translated([&] { return connected_->proxy.checkValueChange(); });
+    return textOf(connected_->call("checkValueChange", {}));
+}
+
+void BusDaemon::updateNotifTable() {
+    connected_->call("updateNotifTable", {});
+}
+
+void BusDaemon::ask(Question question, const Addresses& addresses, const Answer& answer) {
+    std::deque<Pending> inFlight;
+    std::size_t answered = 0;
+    for (std::size_t sent = 0; answered < addresses.size(); ++answered) {
+        for (; sent < addresses.size() && inFlight.size() < kMostInFlight; ++sent)
+            inFlight.push_back(connected_->send(callOf(memberFor(question), {addresses[sent]})));
+        const Pending pending = std::move(inFlight.front());
+        inFlight.pop_front();
+        answer(*addresses[answered], connected_->answer(pending));
+    }
 }
 
 }  // namespace client

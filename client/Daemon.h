@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -50,6 +52,16 @@ class Daemon {
     virtual void set(const std::string& address, const std::string& value) = 0;
     /// The pending change lines.
     virtual std::string changes() = 0;
+    /// Makes the daemon read the notification file again.
+    virtual void updateNotifTable() = 0;
+
+    /// One question about many addresses, which all have to be listed ones.
+    enum class Question { Value, Writable, ForcedInform };
+    using Addresses = std::vector<const std::string*>;
+    /// Takes each address, in order, and what get_value, getWritable or getForcedInform returns;
+    /// nothing when the daemon refused this one.
+    using Answer = std::function<void(const std::string&, std::optional<std::string>)>;
+    virtual void ask(Question question, const Addresses& addresses, const Answer& answer);
 };
 
 }  // namespace client

@@ -32,6 +32,7 @@ class SnapshotDaemon : public client::Daemon {
     bool isForcedInform(const std::string&) override { return false; }
     void set(const std::string& address, const std::string& value) override;
     std::string changes() override { return {}; }
+    void updateNotifTable() override {}
 
   private:
     std::map<std::string, std::string> values_;

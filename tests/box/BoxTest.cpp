@@ -155,6 +155,37 @@ TEST_F(BoxTest, UciReadsAndStagesOptions) {
               "uci: Entry not found\n1");
 }
 
+TEST_F(BoxTest, UciKeepsSectionsAndLists) {
+    const std::string list = "easycwmp.@notifications[0].active";
+    EXPECT_EQ(
+        inBox("uci -q add_list " + list +
+              "=a; echo $?; uci add easycwmp notifications | wc -c; "
+              "uci add_list " +
+              list + "=a; uci add_list " + list + "=\"it's\"; uci changes; uci get " + list),
+        "1\n10\neasycwmp.@notifications[0]='notifications'\n" + list + "='a' 'it'\\''s'\na it's");
+    EXPECT_EQ(
+        inBox("uci add easycwmp notifications >/dev/null; uci add_list " + list +
+              "=a; uci add_list " + list + "=b; uci commit; uci del_list " + list +
+              "=a; uci show easycwmp | grep notif; uci revert easycwmp; "
+              "uci get " +
+              list + "; uci delete easycwmp.@notifications[0]; uci -q get " + list + "; echo $?"),
+        "easycwmp.@notifications[0]=notifications\n" + list + "='b'\na b\n1");
+}
+
+TEST_F(BoxTest, UciShowsAPackageWithItsQuotes) {
+    EXPECT_EQ(
+        inBox("uci set easycwmp.@acs[0].url=\"it's \n two \"; uci show easycwmp | grep -A1 url; "
+              "uci show nope; echo $?"),
+        "easycwmp.@acs[0].url='it'\\''s \n two '\nuci: Entry not found\n1");
+}
+
+TEST_F(BoxTest, UbusQueuesCallsOfABusyClient) {
+    EXPECT_EQ(inBox("mkdir /run/kelm-box/ubus; ubus -t 1 call tr069 notify; echo $?; touch "
+                    "/run/kelm-box/ubus/busy; "
+                    "ubus -t 1 call tr069 notify; echo $?; wc -l </run/kelm-box/ubus/queue"),
+              "0\n249\n2");
+}
+
 TEST_F(BoxTest, UciRefusesUnknownSectionsAndPackages) {
     EXPECT_EQ(inBox("uci -q set easycwmp.@local[1].a=1; echo $?; uci -q get easycwmp.@local[1].a; "
                     "echo $?"),

@@ -55,6 +55,7 @@ class FakeDaemon : public client::Daemon {
         ++calls;
         return pending;
     }
+    void updateNotifTable() override { ++calls; }
 
     std::map<std::string, Entry> entries;
     std::map<std::string, bool> refused;
