@@ -33,8 +33,13 @@ std::string fault(const std::string& parameter, const std::string& code) {
     return "{ \"parameter\": \"" + parameter + "\", \"fault_code\": \"" + code + "\" }";
 }
 
+// With any status, which the caller's text shows better.
+void shell(const std::string& command) {
+    EXPECT_NE(std::system(command.c_str()), -1);
+}
+
 std::string printed(const std::string& command) {
-    std::system((command + " >/tmp/printed 2>&1").c_str());
+    shell(command + " >/tmp/printed 2>&1");
     return box::readFile("/tmp/printed");
 }
 
@@ -481,10 +486,10 @@ TEST_F(CwmpFullDiskTest, AFullDiskOrAKilledBackEndLeavesTheOldFile) {
     const std::string before = box::readFile(kFile);
     ASSERT_NE(before, "");
     box::writeFile("/var/kelm/syslog_host", "10.0.0.1");
-    std::system("dd if=/dev/zero of=/tmp/full bs=4096 2>/dev/null");
+    shell("dd if=/dev/zero of=/tmp/full bs=4096 2>/dev/null");
     EXPECT_EQ(cwmp(kCheck), Lines{});
     EXPECT_EQ(box::readFile(kFile), before);
-    std::system("rm /tmp/full");
+    shell("rm /tmp/full");
     {
         box::setFault("uci", "hang");
         CwmpClient client;
@@ -517,11 +522,11 @@ TEST_F(CwmpStartTest, ItWaitsForTheDaemonAndForTheDeviceIdWithoutALimit) {
     EXPECT_FALSE(start.answers(std::chrono::seconds(3)).has_value());
     patient.send(kDeviceId[0] + "\n{ \"command\": \"end\" }\n");
     startBus();
-    std::system(("ln -s " +
-                 bus().address().substr(bus().address().find('/'),
-                                        bus().address().find(',') - bus().address().find('/')) +
-                 " /run/kelm-box/late")
-                    .c_str());
+    shell(("ln -s " +
+           bus().address().substr(bus().address().find('/'),
+                                  bus().address().find(',') - bus().address().find('/')) +
+           " /run/kelm-box/late")
+              .c_str());
     launch();
     const Lines identity{
         R"({ "manufacturer": "KELM", "oui": "001A2B", "product_class": "STB", "serial_number": "001A2B3C4D5E" })"};
