@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stb/inc/private/thread_annotations.h"
+#include "stb/inc/private/ThreadAnnotations.h"
 
 #include <ctime>
 
