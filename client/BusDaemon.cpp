@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kService[] = "com.kelm.stb.TR";
 constexpr char kObject[] = "/com/kelm/stb/TR";
-// The daemon answers between two steps of its cycle; a slow command of its may take a while.
+// The daemon answers between two steps of its cycle; a slow command may delay it.
 constexpr int kTimeoutMilliseconds = 30'000;
 
 constexpr char kAdviceNoBus[] =
