@@ -1,6 +1,6 @@
-# From `ip -o link show` and `ip -o -4 addr show` of a box to lines for `ip -batch`. The other end of each pair is what
-# the interface's cable would be plugged into: down where there was no carrier. The ends of a virtual box, which is as
-# good a box as any, are left out. The texts are not trusted: what is no name, number or address of its kind is skipped.
+# From `ip -o link show` and `ip -o -4 addr show` of a box to lines for `ip -batch`. The other end of each pair is
+# what the interface's cable would be plugged into: down where there was no carrier. The other ends in a snapshot of a
+# virtual box are left out. The texts are not trusted: anything but a valid name, number or address is skipped.
 
 function is_name(text) { return text ~ /^[A-Za-z0-9_][A-Za-z0-9_.-]*$/ && length(text) < 16 && text !~ /^peer-/ }
 function is_address(text) { return text ~ /^[0-9]+[.][0-9]+[.][0-9]+[.][0-9]+(\/[0-9.]+)?$/ }

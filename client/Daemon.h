@@ -8,8 +8,7 @@
 
 namespace client {
 
-/// The bus or the daemon on it cannot be reached, or no longer. `advice()` says what to do about
-/// it.
+/// The bus or the daemon on it cannot be reached. `advice()` is a sentence on what to do.
 class Unreachable : public std::runtime_error {
   public:
     Unreachable(const std::string& reason, std::string advice)

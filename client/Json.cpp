@@ -36,7 +36,7 @@ Object parseObject(const std::string& text, std::string& error) {
     }
     const Tokener tokener(json_tokener_new());
     json_tokener_set_flags(tokener.get(), JSON_TOKENER_STRICT | JSON_TOKENER_VALIDATE_UTF8);
-    // With the NUL behind it a text that stops half-way is an error, not one to be continued.
+    // The NUL is parsed too, so that a truncated text is an error.
     Object object(
         json_tokener_parse_ex(tokener.get(), text.c_str(), static_cast<int>(text.size() + 1)));
     const json_tokener_error result = json_tokener_get_error(tokener.get());

@@ -21,16 +21,15 @@ sigset_t interruptOnly() {
     return set;
 }
 
-// What is opened next would take a closed descriptor's number, and would then be written to as
-// standard error.
+// The next file opened would take a closed descriptor's number and could receive standard error.
 void openStandardDescriptors() {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor)
         if (fcntl(descriptor, F_GETFD) < 0)
             open("/dev/null", O_RDWR);  // NOLINT(android-cloexec-open): commands may have it
 }
 
-// A waiting parent needs SIGCHLD at its default: when it is ignored, a child's status and number
-// are gone before they are asked for.
+// waitpid() needs SIGCHLD at its default: when it is ignored, a child's status and number are gone
+// before the wait.
 void setUpSignals() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
@@ -39,10 +38,9 @@ void setUpSignals() {
     pthread_sigmask(SIG_SETMASK, &set, nullptr);
 }
 
-// The system log comes and goes by the megabyte. Left alone, the C library takes such blocks from
-// the heap once it has seen one freed, where they leave holes of their size for good. The memory of
-// a long list, on the other hand, is kept for the next one: fetching it again costs more than the
-// list.
+// The system log is allocated and freed in blocks of megabytes. By default the C library takes such
+// blocks from the heap once one has been freed, and they leave holes there. The memory of a long
+// list is kept for the next one, because fetching it again costs more than the list.
 void setUpHeap() {
 #ifdef M_MMAP_THRESHOLD
     // Before any thread is started; NOLINTNEXTLINE(concurrency-mt-unsafe)

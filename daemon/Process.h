@@ -5,10 +5,10 @@
 /// What the daemon sets up for its whole process, and how main takes SIGINT. Called by main only.
 namespace TR::Process {
 
-/// Before anything opens a descriptor or starts a thread: opens the closed ones of descriptors 0 to
-/// 2 on /dev/null, sets the allocator up and the signals, whatever the starter left of them. SIGINT
-/// is blocked in this thread and in all that it starts. A reader of the log that is gone (SIGPIPE)
-/// and a limit on a file's size (SIGXFSZ) make the write fail instead of ending the process.
+/// Called before anything opens a descriptor or starts a thread. Opens /dev/null for each of
+/// descriptors 0 to 2 that is closed, and sets up the allocator and the signals. SIGINT is blocked
+/// in this thread and in all that it starts. A reader of the log that is gone (SIGPIPE) and a limit
+/// on a file's size (SIGXFSZ) make the write fail instead of ending the process.
 void setUp();
 
 /// Waits for SIGINT, at most this long; true when it came. It must be blocked: it then also counts

@@ -68,7 +68,7 @@ void Worker::runCycle() {
     frontEndProvider_->updateValues();
     deviceInfoProvider_->updateValues();
     // A change that is recorded between the copy and the clear is not notified. Only this thread's
-    // providers record changes, so there is none.
+    // providers record changes, so none is lost.
     storage_->getNotifTable().tryTriggerNotify(storage_->updates());
     storage_->clearUpdates();
     // Taken after the cycle, so that a slow one is followed by five quiet seconds.

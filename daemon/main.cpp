@@ -17,7 +17,7 @@ namespace {
 constexpr std::chrono::seconds kLookInterval{1};
 constexpr int kSecondInterruptStatus = -1;  // 255 to the shell
 
-// What is still held at exit goes in the reverse order: the store last, both its users before it.
+// Destroyed in reverse order at exit: the two users first, the store last.
 std::unique_ptr<TR::Storage> storage;
 std::unique_ptr<TR::Worker> worker;
 std::unique_ptr<TR::DBusWorker> dbusWorker;
@@ -25,7 +25,7 @@ std::unique_ptr<TR::DBusWorker> dbusWorker;
 volatile std::sig_atomic_t stopRequested = 0;
 volatile std::sig_atomic_t isStopping = 0;
 
-// Without a destructor, which could wait for a command, and without leaving one behind.
+// Runs no destructor, which could wait for a command, and kills the running commands.
 [[noreturn]] void endAtOnce(int status) {
     TR::Utils::killRunningCommands();
     _exit(status);
@@ -47,8 +47,8 @@ void signalHandler(int) {
     if (isStopping == 0) stopThreads();
 }
 
-// A daemon that nobody can reach is of no use: its supervisor starts another one. A worker in a
-// slow command is not waited for.
+// Nobody can reach this daemon, so it ends and its supervisor starts another one. It does not wait
+// for a worker in a slow command.
 [[noreturn]] void exitWithoutBus() {
     STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, "daemon/main",
                   "The connection to the session bus is lost, exiting");

@@ -75,8 +75,8 @@ bool BusDispatcher::isBusLost() {
     return poll(&bus, 1, 0) > 0 && (bus.revents & kGone) != 0;
 }
 
-// The wait itself shows when the other end is gone: a look apart would cost a system call for each
-// message.
+// The wait itself reports when the other end is gone; a separate look would cost a system call for
+// each message.
 void BusDispatcher::waitAndHandle() {
     const bool isSending = enabledWatch(DBUS_WATCH_WRITABLE) != nullptr;
     const bool mayRead = !isSending && enabledWatch(DBUS_WATCH_READABLE) != nullptr;

@@ -17,7 +17,7 @@ namespace TR {
 /// `leave()` and `isBusLost()` on any.
 class BusDispatcher : public DBus::BusDispatcher {
   public:
-    /// Throws std::system_error when no descriptor is to be had.
+    /// Throws std::system_error when no descriptor is free.
     BusDispatcher();
     ~BusDispatcher() override;
     BusDispatcher(const BusDispatcher&) = delete;
@@ -30,8 +30,8 @@ class BusDispatcher : public DBus::BusDispatcher {
     /// Takes back an earlier `leave()`; before a new start, while nobody is in `enter()`.
     void rearm();
 
-    /// Waits until libdbus has sent all that it was given. False when the loop is to end: nothing
-    /// more is to be carried out then.
+    /// Waits until libdbus has sent all that it was given. False when the loop is to end; the
+    /// caller then carries out nothing more.
     bool waitUntilSent();
 
     /// True when the other end of the connection is gone. Looks at the socket itself, so that it
@@ -42,7 +42,7 @@ class BusDispatcher : public DBus::BusDispatcher {
     void rem_watch(DBus::Watch* watch) override;
 
   private:
-    /// libdbus asks for its state before each poll; nothing needs to be kept of a toggle.
+    /// The loop reads its state before each poll, so a toggle needs no action.
     struct BusWatch : DBus::Watch {
         using DBus::Watch::Watch;
         void toggle() override {}

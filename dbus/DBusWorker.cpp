@@ -27,7 +27,7 @@ std::string nameOwner(DBus::Connection& connection) {
     return connection.send_blocking(call).reader().get_string();
 }
 
-// The request succeeds also when the name is somebody else's; only its owner shows it.
+// The request also succeeds when another service has the name; only asking for the owner shows it.
 void warnWhenNameIsTaken(DBus::Connection& connection) {
     const std::string owner = nameOwner(connection);
     if (owner == connection.unique_name()) return;

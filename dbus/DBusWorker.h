@@ -26,8 +26,8 @@ class DBusWorker : public STBThread {
 
     void start();
     /// Makes the dispatcher leave its loop, then waits for the thread. A bus that does not answer
-    /// keeps the thread inside libdbus, for ever perhaps: after half a second of that `stop`
-    /// returns without the thread, and `isConnecting` is true.
+    /// may keep the thread inside libdbus for ever. `stop` then returns after half a second without
+    /// the thread, and `isConnecting` is true.
     void stop();
     /// True from the start until the object is served or the thread has ended: the thread waits for
     /// the bus and cannot be stopped.

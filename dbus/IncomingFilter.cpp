@@ -16,8 +16,8 @@ bool isCallWithoutEffect(DBusMessage* message) {
     return dbus_message_get_no_reply(message) != FALSE && !TRDBusAdaptor::hasEffect(message);
 }
 
-// The two peer methods are libdbus's, which answers them when the call names their interface.
-// True when this was one of them, without.
+// libdbus answers the two peer methods only when the call names their interface. True when this
+// call was one of them without an interface.
 bool answersPeerCall(DBusConnection* connection, DBusMessage* call) {
     const std::string_view member = dbus_message_get_member(call);
     const bool isMachineId = member == "GetMachineId";
@@ -38,16 +38,16 @@ bool answersPeerCall(DBusConnection* connection, DBusMessage* call) {
 IncomingFilter::IncomingFilter(DBus::Connection& connection, BusDispatcher& dispatcher)
     : connection_(connection), dispatcher_(dispatcher) {
     DBusConnection* const handle = Libdbus::handleOf(connection_);
-    // libdbus gives the connection up over descriptors that it has no room for. So one message may
-    // hold as many as the kernel passes at once, and nothing is read while it lives: then as many
-    // of the process's descriptors have to be free, and not those for a whole queue.
+    // libdbus drops the connection when a message's descriptors exceed its limit, so the limit is
+    // what the kernel passes at once. Nothing is read while a message lives, so the process needs
+    // that many free descriptors, not those for a whole queue.
     dbus_connection_set_max_message_unix_fds(handle, kDescriptorsAtOnce);
     dbus_connection_set_max_received_unix_fds(handle, 1);
     if (dbus_connection_add_filter(handle, &filter, this, nullptr) == FALSE) throw std::bad_alloc();
 }
 
-// What is still in the binding's queue is taken from it and not carried out, as the connection is
-// closed; the queue outlives the connection and must not refer to it.
+// The binding's queue outlives the connection and must not refer to it. What it still holds is
+// dropped, not carried out.
 IncomingFilter::~IncomingFilter() {
     connection_.disconnect();
     dispatcher_.dispatch_pending();

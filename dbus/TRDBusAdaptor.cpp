@@ -92,7 +92,7 @@ bool TRDBusAdaptor::handle_message(const DBus::Message& message) {
     return true;
 }
 
-// The binding aborts over an error message for which there is no memory, so these are libdbus's.
+// The binding aborts when memory for an error message is short, so libdbus makes these.
 TR::Libdbus::OwnedMessage TRDBusAdaptor::replyTo(const DBus::CallMessage& call,
                                                  DBus::InterfaceAdaptor& interface) {
     const auto error = [&](const char* name, const char* text) {
@@ -104,8 +104,8 @@ TR::Libdbus::OwnedMessage TRDBusAdaptor::replyTo(const DBus::CallMessage& call,
         errno = 0;
         const DBus::Message reply = interface.dispatch_method(call);
         DBusMessage* const handle = TR::Libdbus::handleOf(reply);
-        // The binding drops the result of an append. One that fails for want of memory leaves
-        // ENOMEM; counting after every call would cost a twentieth of it.
+        // The binding drops the result of an append. One that fails for lack of memory sets ENOMEM;
+        // counting after every call would cost 5 % of it.
         if (errno == 0 || stringsIn(handle) == replyStrings_)
             return TR::Libdbus::OwnedMessage(dbus_message_ref(handle));
     } catch (const DBus::Error& failure) {

@@ -24,7 +24,7 @@ class TRDBusAdaptor : public com::kelm::stb::TR_adaptor,
     static constexpr const char* kInterface = "com.kelm.stb.TR";
     static constexpr const char* kObjectPath = "/com/kelm/stb/TR";
     /// Largest reply, header included: what dbus-daemon takes when its configuration sets no
-    /// `max_message_size`. It throws a service off that sends more.
+    /// `max_message_size`. It disconnects a service that sends more.
     static constexpr std::uint64_t kLargestReplyBytes = std::uint64_t{32} << 20;
     /// Unknown addresses that calls add to the store: one of them, and all together.
     static constexpr std::size_t kUnknownAddressBytes = std::size_t{1} << 10;
@@ -50,21 +50,21 @@ class TRDBusAdaptor : public com::kelm::stb::TR_adaptor,
     std::string checkValueChange() override;
 
   private:
-    /// Instead of the binding's, which ends the process over a call without an interface or an
-    /// exception of another type than its own, replies to calls that want no reply, and sends a
-    /// reply whose contents could not be appended.
+    /// Replaces the binding's. That one ends the process when a call has no interface or an
+    /// exception has another type than its own. It also replies to calls that want no reply and
+    /// sends replies whose contents could not be appended.
     bool handle_message(const DBus::Message& message) override;
-    /// Null when there is no memory for an error.
+    /// Null when memory for an error is short too.
     TR::Libdbus::OwnedMessage replyTo(const DBus::CallMessage& call,
                                       DBus::InterfaceAdaptor& interface);
 
-    /// The entry, made when there is none and there is room; else null.
+    /// The entry. A missing one is added when there is room; else null.
     TR::Value* entry(const std::string& address) KELM_REQUIRES(storage_->getStorageMutex());
     std::string flag(const std::string& address, bool (TR::Value::*isSet)() const);
     std::vector<std::string> list(std::vector<TR::Address> (TR::Storage::*addresses)() const);
 
     TR::Storage* storage_;
     std::size_t unknownAddressesBytes_ = 0;
-    /// How many the reply under way must hold.
+    /// Strings that the reply under way must hold.
     std::size_t replyStrings_ = 0;
 };

@@ -39,7 +39,7 @@ bool continues(std::string_view text, std::size_t position, const Sequence& sequ
     return true;
 }
 
-/// Length of the valid character at the position; 0 when there is none.
+/// Length of the valid character at the position; 0 for an invalid one.
 std::size_t characterLength(std::string_view text, std::size_t position) {
     const unsigned char first = byteAt(text, position);
     if (first < 0x80) return first == 0 ? 0 : 1;
@@ -50,7 +50,7 @@ std::size_t characterLength(std::string_view text, std::size_t position) {
     return 0;
 }
 
-/// True for eight plain ASCII bytes without a NUL: nearly all there ever is.
+/// True for eight plain ASCII bytes without a NUL, the usual case.
 bool isPlainWord(const char* bytes) {
     constexpr std::uint64_t kHighBits = 0x8080808080808080U;
     constexpr std::uint64_t kLowBits = 0x0101010101010101U;
@@ -59,7 +59,7 @@ bool isPlainWord(const char* bytes) {
     return ((word | (word - kLowBits)) & kHighBits) == 0;
 }
 
-/// Position of the first byte at or after the start that must go; the size when there is none.
+/// Position of the first bad byte at or after the start; else the size.
 std::size_t findBadByte(std::string_view text, std::size_t position) {
     while (position < text.size()) {
         if (position + 8 <= text.size() && isPlainWord(text.data() + position)) {

@@ -7,7 +7,7 @@ namespace TR {
 
 /// Full path of one node of the parameter tree, such as `Device.DeviceInfo.UpTime`; the key of
 /// every parameter map. Object paths end with a point. Any bytes are allowed; they are compared as
-/// unsigned bytes, a prefix first. A plain value without a lock of its own.
+/// unsigned bytes, a prefix first. A plain value without a lock.
 class Address {
   public:
     explicit Address(std::string path) : path_(std::move(path)) {}

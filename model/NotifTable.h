@@ -35,9 +35,9 @@ class NotifTable {
     void update() KELM_REQUIRES(mutex_);
 
     /// Reads one line of the file: a JSON object with the keys parameter, value, notification,
-    /// type, in this order of need: the first one that is missing leaves itself and the later texts
-    /// as they were, as does a line that is no JSON. Values that are no strings are taken in their
-    /// JSON text form.
+    /// type. They are read in this order: the first missing key ends the reading, and its text and
+    /// the later ones stay unchanged. A line that is not a JSON object changes nothing. Values that
+    /// are not strings are taken in their JSON text form.
     static void parseJsonLine(const std::string& line, std::string& parameter, std::string& value,
                               std::string& notification, std::string& type);
 

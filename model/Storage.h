@@ -22,8 +22,8 @@ class Storage {
     Storage& operator=(const Storage&) = delete;
 
     /// Replaces the value at the address whole, settings included. True when this was recorded as a
-    /// change: the entry had a type before and its type or elements differ. The first fill never is
-    /// one.
+    /// change: the entry had a type before and its type or elements differ. The first fill is never
+    /// a change.
     bool set(const Address& address, Value value) KELM_REQUIRES(storageMutex_);
 
     /// Replaces the elements only; false when the address is unknown or the types differ. Records
@@ -49,7 +49,7 @@ class Storage {
 
     /// Every address, in order.
     std::vector<Address> listAddresses() const KELM_REQUIRES(storageMutex_);
-    /// Every address that is no object node, in order.
+    /// Every address that is not an object node, in order.
     std::vector<Address> listParametersOnly() const KELM_REQUIRES(storageMutex_);
 
     /// Copy of the newest value of each parameter that changed since `clearUpdates()`.

@@ -6,9 +6,9 @@
 
 namespace TR {
 
-/// One parameter: its typed elements (a scalar is a list of one) and the settings that say whether
-/// the ACS may write it, whether every Inform carries it, and where it is kept. Booleans are
-/// `Integer` 0 or 1. A plain value: whoever reaches one inside the store holds the store mutex.
+/// One parameter: its typed elements (a scalar is a list of one) and its settings: whether the ACS
+/// may write it, whether every Inform carries it, and where it is kept. Booleans are `Integer` 0 or
+/// 1. A plain value: a caller that reaches one inside the store holds the store mutex.
 class Value {
   public:
     enum class Type : std::uint32_t {
@@ -18,7 +18,7 @@ class Value {
         String = 3,
     };
 
-    /// One element; both members are always there, the type of the value says which one counts.
+    /// One element; both members always exist; the value's type decides which one counts.
     struct ValueHolder {
         std::int64_t integer = 0;
         std::string text;

@@ -10,13 +10,12 @@ namespace TR {
 namespace DeviceInfo {
 
 /// Whole seconds since boot, from the text of /proc/uptime (seconds with a fraction, twice); empty
-/// when there is no point in it.
+/// without a decimal point.
 std::string upTime(const std::string& procUptime);
 
-/// The number of kilobytes after \p key (such as "MemTotal:") in the text of /proc/meminfo. A
-/// missing key is not looked for: the text is then read from the key's length on, and
-/// std::out_of_range leaves when it is shorter than that. The kernel always writes both keys that
-/// are asked for.
+/// The number of kilobytes after \p key (such as "MemTotal:") in the text of /proc/meminfo. Without
+/// the key the text is read from the key's length on, and std::out_of_range is thrown when it is
+/// shorter. The kernel always writes both keys that are asked for.
 std::string memoryStatus(const std::string& procMeminfo, const std::string& key);
 
 /// The first six of a hardware address's digits; empty when there are fewer.

@@ -98,8 +98,8 @@ void FrontEndDataProvider::removePublishedGroups() {
     }
 }
 
-// Assigned, not set: a viewer's zapping records no change, or it would wake a watching client in
-// every cycle.
+// Assigned, not set: zapping must not record changes, which would wake a watching client in every
+// cycle.
 void FrontEndDataProvider::publishGroups() {
     const FrontEnd::IGMP& igmp = frontEnd_.igmp;
     (*storage())[igmpAddress(kGroupCount)] = Value(igmp.ClientGroupNumberOfEntries);

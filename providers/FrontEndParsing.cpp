@@ -25,8 +25,8 @@ std::uint32_t* settingOf(const std::string& line, KernelSettings& settings) {
     return nullptr;
 }
 
-// The second of the fields between equals signs, where a run of signs is one; empty when there is
-// none.
+// The second field between equals signs; a run of signs counts as one. Empty without a second
+// field.
 std::string secondField(const std::string& line) {
     const std::size_t firstField = line.find_first_not_of('=');
     const std::size_t firstEnd = line.find('=', firstField);
@@ -41,8 +41,8 @@ KernelSettings kernelSettings(const std::vector<std::string>& sysctlLines) {
     KernelSettings settings;
     for (const std::string& line : sysctlLines) {
         std::uint32_t* const setting = settingOf(line, settings);
-        // The stream's own rules hold for odd values: no number reads as 0, one that is too big as
-        // the biggest, and a blank field leaves the setting as it was.
+        // The stream's rules apply: other text reads as 0, a number out of range as the largest
+        // one, and a blank field leaves the setting unchanged.
         if (setting != nullptr) std::istringstream(secondField(line)) >> *setting;
     }
     return settings;

@@ -15,7 +15,7 @@ class InterfaceList {
     /// Nothing when the system refuses the list.
     static std::optional<InterfaceList> read();
 
-    /// The first entry, null when there is none; the others hang on `ifa_next`.
+    /// The first entry or null; `ifa_next` leads to the others.
     const ifaddrs* first() const { return list_.get(); }
 
     static bool isOfFamily(const ifaddrs& entry, int family);

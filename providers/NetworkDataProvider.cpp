@@ -64,8 +64,8 @@ bool NetworkDataProvider::store() {
     return true;
 }
 
-// The ACS writes into the store, at a number, but means the interface that has this number now. So
-// aliases are read back, by name, before an interface that has come moves the numbers.
+// The ACS writes an alias at an instance number and means the interface that has the number now. So
+// aliases are read back by name before a new interface shifts the numbers.
 void NetworkDataProvider::takeOverAliases() {
     for (const auto& [name, alias] : NetworkTree::aliases(*storage())) {
         const auto known = interfaces_.find(name);
@@ -81,7 +81,7 @@ void NetworkDataProvider::publish() const {
         NetworkTree::publishInterface(*storage(), ++position, interface);
         if (isWireless(name)) wireless = &interface;
     }
-    // All wireless interfaces share one branch. The last one by name has it for good: if each wrote
+    // All wireless interfaces share one branch. Only the last one by name writes it: if each wrote
     // it in turn, every refresh would look like a change.
     if (wireless != nullptr) NetworkTree::publishWiFi(*storage(), *wireless);
 }
@@ -107,7 +107,7 @@ void NetworkDataProvider::updateInterface(const std::string& name, const Network
     if (status != interface.status) interface.changeStatus(status);
 }
 
-// Counts stay: they are what passed until it vanished.
+// The counts stay as they were when it vanished.
 void NetworkDataProvider::updateVanished(Interface& interface) {
     interface.hardwareAddress.clear();
     interface.ipv4Address.clear();

@@ -96,7 +96,7 @@ class NetworkDataProvider : public BaseDataProvider {
     const std::map<std::string, Interface>& interfaces() const { return interfaces_; }
 
     /// Keeps the links whose whole name is that of a wired or wireless interface; VLANs, peers and
-    /// the like are not the box's own.
+    /// the like are dropped.
     void filterInterfaces();
 
     static Interface::DuplexMode getDuplexMode(const std::string& name);

@@ -13,7 +13,7 @@ struct NetworkLink {
     unsigned index = 0;           ///< the kernel gives a new interface a new one
     unsigned flags = 0;           ///< IFF_UP, IFF_RUNNING, ...
     std::string hardwareAddress;  ///< 00:1a:2b:3c:4d:5e
-    std::string ipv4Address;      ///< the first one that the kernel lists; empty when there is none
+    std::string ipv4Address;      ///< the first one that the kernel lists, or empty
     std::string subnetMask;
     rtnl_link_stats counters{};  ///< 32 bits wide; the members up to `multicast`
 };

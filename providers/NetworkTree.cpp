@@ -100,7 +100,7 @@ std::map<std::string, std::string> aliases(Storage& storage) {
         // A copy, because asking the store for an entry would make one.
         const Value name = storage.getValueCopy(Address(branch + "Name"));
         if (name.getType() != Value::Type::String) return aliases;
-        // The first one wins: should the same name stand again further on, that one is stale.
+        // The first one wins; a later instance with the same name is stale.
         aliases.emplace(name.getString(),
                         storage.getValueCopy(Address(branch + "Alias")).getString());
     }

@@ -4,8 +4,8 @@
 
 readonly debian_release=bookworm
 
-# Leaves it in `archive`; fails when there is none. What apt would fetch is the same with either style of sources, and
-# before it ever has.
+# Leaves its address in `archive`; fails without one. What apt would fetch is listed for both styles of sources, also
+# before the first update.
 find_archive() {
     archive=$(apt-get update --print-uris |
         sed -nE "s#^'(.*)/dists/$debian_release/main/binary-[^/]+/Packages.*#\1#p" | sort -u | head -n 1)
@@ -27,7 +27,7 @@ find_keyrings() {
     done < <(sed -nE 's/^[^#]*signed-by *[:=] *(\/[^] ]+).*/\1/Ip' "${places[@]}" | sort -u)
 }
 
-# How to fetch, and as whom; nothing of where things are and of which architecture they are.
+# apt's options for how to fetch and as which user; not its folders and architectures.
 apt_options() {
     apt-config dump Acquire
     apt-config dump APT::Sandbox

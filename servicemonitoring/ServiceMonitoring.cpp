@@ -30,7 +30,7 @@ constexpr const char* kSettings[] = {
     Tree::kFetchSamples,  Tree::kReportSamples, Tree::kSampleEnable,    Tree::kSampleInterval,
     Tree::kTimeReference, Tree::kTotalReset,    Tree::kMainStreamEnable};
 
-/// Copies of the settings in their order, all of one moment; `Undefined` where there is none.
+/// Copies of the settings in their order, taken under one lock; a missing one is `Undefined`.
 std::array<Value, std::size(kSettings)> copySettings(Storage& storage) {
     std::array<Value, std::size(kSettings)> copies;
     const pthread_helper::scoped_lock lock(storage.getStorageMutex());
@@ -95,7 +95,7 @@ bool ServiceMonitoring::store() {
     return true;
 }
 
-// What the ACS has written since this cycle took the settings would be overwritten unseen.
+// Publishing would overwrite what the ACS has written since this cycle took the settings.
 void ServiceMonitoring::adoptLateWrites() {
     const Value enable = storage()->getValueCopy(Tree::address(Tree::kMainStreamEnable));
     if (enable != knownMainStreamEnable_) takeMainStreamEnable(enable);
@@ -107,8 +107,8 @@ void ServiceMonitoring::takeSettings() {
     const auto [fetchSamples, reportSamples, sampleEnable, sampleInterval, timeReference,
                 totalReset, mainStreamEnable] = copySettings(*storage());
     if (const auto count = number(reportSamples)) takeReportSamples(*count);
-    // Before the interval: of both written at once the interval counts from this cycle on, the
-    // switch from the next.
+    // Before the interval: when both are written at once, the interval takes effect in this cycle
+    // and the switch in the next.
     if (const auto enable = number(sampleEnable)) setSampleEnable(*enable != 0);
     if (const auto seconds = number(sampleInterval)) takeSampleInterval(*seconds);
     if (timeReference.getType() == Value::Type::String) timeReference_ = NSTime::now();
@@ -146,7 +146,7 @@ void ServiceMonitoring::setSampleEnable(bool enable) {
     switchSampling(enable);
 }
 
-// Switching off leaves the samples and the report times to be read.
+// Switching off keeps the samples and the report times readable.
 void ServiceMonitoring::switchSampling(bool enable) {
     if (reportSamples_ < 1 || reportSamples_ > kMostReportSamplesToSwitch) return;
     sampleEnable_ = enable;

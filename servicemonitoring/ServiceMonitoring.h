@@ -13,10 +13,10 @@
 namespace TR {
 
 /// TR-135 `ServiceMonitoring.`: the sampling settings, which the ACS writes into the store and
-/// every cycle takes from there, and the figures of the one main stream. The worker thread alone
-/// calls; the D-Bus thread's writes are met in the store only, whose mutex is held for the whole of
-/// `init()` and `store()` and never while the counter is read. A write of the ACS that lands in the
-/// middle of a cycle counts: `store()` takes the main stream's, the next cycle the others.
+/// every cycle takes from there, and the figures of the one main stream. Only the worker thread
+/// calls it. The D-Bus thread writes to the store, whose mutex is held for the whole of `init()`
+/// and `store()` and never while the counter is read. A write of the ACS in the middle of a cycle
+/// is not lost: `store()` takes the main stream's, the next cycle the others.
 class ServiceMonitoring : public BaseDataProvider {
   public:
     using MainStream = STBServiceMonitoringModel::MainStream;

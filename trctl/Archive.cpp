@@ -37,8 +37,8 @@ std::string reason() {
     return std::generic_category().message(errno);
 }
 
-// The archive is its standard input, \p output its standard output; its complaints are dropped, as
-// ours say the same. -1 when it could not be started.
+// The archive is its standard input, \p output its standard output; its error messages are dropped,
+// because ours give the same reason. -1 when it could not be started.
 pid_t startTar(int archive, int output, const std::string& member) {
     const std::array<const char*, 6> words = {"tar", "-xzOf", "-", "--", member.c_str(), nullptr};
     posix_spawn_file_actions_t actions;

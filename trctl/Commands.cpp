@@ -17,7 +17,7 @@ bool contains(const Addresses& list, const std::string& address) {
     return std::find(list.begin(), list.end(), address) != list.end();
 }
 
-// What a path that is not in the list may be instead; empty for an object with nothing beneath it.
+// Why a path is not found; empty for an object with nothing beneath it.
 std::string faultOf(const std::string& path, const Addresses& all) {
     if (isObject(path) && contains(all, path)) return "";
     const std::string object = path + '.';
@@ -55,7 +55,7 @@ void printInfo(Context& context, const std::string& address, const std::string& 
     context.out.line(std::string("forced inform  ") + yesOrNo(inform));
 }
 
-// The daemon answers nothing at all where it does not write, and adds what it does not know.
+// The daemon does not report a write that it drops, and it adds unknown addresses.
 std::string reasonNotToSet(client::Daemon& daemon, const std::string& path) {
     if (!contains(daemon.parameters(), path)) {
         const Addresses all = daemon.addresses();

@@ -10,7 +10,7 @@
 
 namespace trctl {
 
-/// What every command works with, all of it the caller's.
+/// What every command works with; the caller owns all of it.
 struct Context {
     client::Daemon& daemon;
     const Options& options;
@@ -30,13 +30,13 @@ int diff(Context& context);
 int changes(Context& context);
 int report(Context& context);
 
-/// Looks the command up that the options name, and runs it.
+/// Runs the command that the options name.
 int runCommand(Context& context);
 
-/// Complains of what was not found, and says what to write instead. The exit status.
+/// Reports what was not found and suggests what to write instead. Returns the exit status.
 int complainOfUnmatched(Context& context, const Addresses& unmatched);
 
-/// The text, on a terminal cut at its right edge; \p taken columns are written already.
+/// The text, cut at the right edge of a terminal; \p taken columns are already written.
 std::string fitted(const Context& context, const std::string& text, std::size_t taken);
 
 /// The value, or the reason why the daemon refuses it.

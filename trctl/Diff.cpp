@@ -76,7 +76,7 @@ class Comparison {
     bool isDifferent_ = false;
 };
 
-// Of the paths that the daemon does not have, those that the file does not have either.
+// The paths that neither the daemon nor the file has.
 Addresses unmatchedInBoth(const Selection& now, const Saved& saved) {
     return now.unmatched.empty() ? Addresses{} : select(keysOf(saved), now.unmatched).unmatched;
 }

@@ -36,7 +36,7 @@ struct Options {
 };
 
 /// Nothing when the program is to end at once with \p status: help was printed, or the call is
-/// wrong, and standard error says why.
+/// wrong and the reason is on standard error.
 std::optional<Options> parseOptions(int argc, const char* const* argv, int& status);
 
 }  // namespace trctl

@@ -127,7 +127,7 @@ void Plot::add(std::optional<double> sample) {
 std::size_t Plot::rowOf(double value, double lowest, double highest, std::size_t rows) {
     if (rows == 0) return 0;
     const auto bottom = static_cast<double>(rows - 1);
-    // Halves, as the difference of two large numbers may be beyond any.
+    // Halved, because the difference of two large numbers may overflow.
     const double range = highest / 2 - lowest / 2;
     const double share = range > 0 ? (highest / 2 - value / 2) / range : 0.5;
     return static_cast<std::size_t>(std::lround(std::clamp(share, 0.0, 1.0) * bottom));
@@ -136,7 +136,8 @@ std::size_t Plot::rowOf(double value, double lowest, double highest, std::size_t
 std::vector<std::string> Plot::draw(std::size_t columns, std::size_t rows, Style style) const {
     const std::size_t dotsAcross = style == Style::Braille ? 2 : 1;
     const std::size_t dotsDown = style == Style::Braille ? 4 : 1;
-    // What the labels take the room of counts for the bounds, too: the room depends on the labels.
+    // Values that the labels then cover count for the bounds too, because the labels' width depends
+    // on the bounds.
     const auto bounds = boundsOf(latest(samples_, columns * dotsAcross));
     if (rows == 0 || !bounds) return std::vector<std::string>(rows);
     const std::size_t margin =

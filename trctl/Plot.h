@@ -8,8 +8,7 @@
 
 namespace trctl {
 
-/// The number that a value is, as decimal digits with sign, point or exponent; nothing for any
-/// other text.
+/// The value as a number: decimal digits with sign, point or exponent. Nothing for any other text.
 std::optional<double> numberOf(const std::string& text);
 
 /// The latest values of one parameter as a line in a field of characters. A value that is not a
@@ -20,8 +19,8 @@ class Plot {
 
     void add(std::optional<double> sample);
 
-    /// That many lines of at most so many columns, the newest value at the right; the highest and
-    /// lowest value that is shown stand at the left. Empty when there is no room for a line.
+    /// \p rows lines of at most \p columns columns. The newest value is at the right; the highest
+    /// and lowest shown are at the left. Empty when no line fits.
     std::vector<std::string> draw(std::size_t columns, std::size_t rows, Style style) const;
 
     /// The row, from 0 at the top, of a value between these two; the middle one when they are

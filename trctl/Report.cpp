@@ -27,7 +27,7 @@ constexpr std::int64_t kMostRounds = 300;  // so that an hour gives no larger pa
 
 constexpr char kHex[] = "0123456789abcdef";
 
-// Identity and health head every report, whatever it is of.
+// Every report begins with identity and health.
 constexpr const char* kHead[] = {
     "Device.DeviceInfo.Description",     "Device.DeviceInfo.Manufacturer",
     "Device.DeviceInfo.ModelName",       "Device.DeviceInfo.SerialNumber",
@@ -61,7 +61,7 @@ std::string hostName() {
     return gethostname(name, sizeof name - 1) == 0 ? name : "host";
 }
 
-// The kernel's random bytes as digits; nobody who fills in a value can guess them.
+// The kernel's random bytes as digits. They cannot be guessed, so no value can contain them.
 std::string nonce() {
     unsigned char bytes[16] = {};
     if (getrandom(bytes, sizeof bytes, 0) != sizeof bytes) throw client::Refused("no random bytes");
@@ -91,7 +91,7 @@ class Progress {
     bool isShown_;
 };
 
-// Reads at once, and then again each second, or less often where that would be too many.
+// Reads at once and then each second, or less often when that would exceed kMostRounds.
 void observe(client::Daemon& daemon, const Addresses& paths, Report& report) {
     const milliseconds whole(std::int64_t{report.seconds} * 1000);
     const milliseconds step = std::max(milliseconds(1000), whole / kMostRounds);
@@ -122,7 +122,7 @@ int complainOfFile(const std::string& file) {
     return kUsage;
 }
 
-// Asked before the watching, which nobody wants to have done for nothing.
+// Checked before the watching, so that no time is lost on a page that cannot be written.
 bool canBeWritten(const std::string& file) {
     if (file == "-") return true;
     const std::string folder = file.substr(0, file.rfind('/') + 1);  // npos + 1 is 0
@@ -130,7 +130,7 @@ bool canBeWritten(const std::string& file) {
     return access(isThere ? file.c_str() : folder.empty() ? "." : folder.c_str(), W_OK) == 0;
 }
 
-// Only for its owner: it names addresses, networks and serial numbers.
+// Readable by its owner only: it holds addresses, networks and serial numbers.
 bool writePage(const std::string& file, const std::string& page) {
     const int descriptor =
         open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);

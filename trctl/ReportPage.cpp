@@ -15,7 +15,7 @@ namespace trctl {
 namespace {
 
 constexpr char kMask[] = "********";
-constexpr std::size_t kShortestSecret = 4;  // less is found in anything
+constexpr std::size_t kShortestSecret = 4;  // shorter texts turn up in any value
 constexpr std::size_t kLongestPoint = 200;
 
 struct Drop {

@@ -12,9 +12,9 @@ namespace trctl {
 
 /// What a report is made of, and the page that holds it. Pure: no bus, no file, no clock.
 
-/// The values without secrets: of a parameter whose name ends in Passphrase or Password the text,
-/// and that text wherever another value holds it, are replaced by a mask. One of less than four
-/// characters is masked in its own parameter only.
+/// The values without secrets. The text of a parameter whose name ends in Passphrase or Password is
+/// replaced by a mask, also where another value holds it. A secret of less than four characters is
+/// masked in its own parameter only.
 client::Values withoutSecrets(client::Values values);
 
 /// The values that changed while they were watched. Keeps a point per change, not per round.

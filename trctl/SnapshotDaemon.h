@@ -14,9 +14,9 @@ class UnusableSnapshot : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// A daemon as an archive of kelm-trd-snapshot has it: the values that it served then, and nothing
-/// that could be changed. Reads the archive once, at construction, and throws UnusableSnapshot
-/// with the reason when it cannot be used.
+/// The daemon in an archive of kelm-trd-snapshot: the values that it served then, read-only. Reads
+/// the archive once, at construction, and throws UnusableSnapshot with the reason when it cannot be
+/// used.
 class SnapshotDaemon : public client::Daemon {
   public:
     /// \p archive is a path.

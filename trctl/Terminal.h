@@ -46,8 +46,9 @@ Waited waitFor(std::chrono::milliseconds time);
 /// it was started with SIGINT ignored.
 void endOnInterrupt();
 
-/// The terminal's second screen, without a cursor, for as long as the object lives. However the
-/// program ends on SIGINT, SIGTERM or SIGHUP, and while it is stopped, the first one is back.
+/// The terminal's second screen, without a cursor, for as long as the object lives. The first
+/// screen is back when the program ends, also on SIGINT, SIGTERM or SIGHUP, and while it is
+/// stopped.
 class SecondScreen {
   public:
     SecondScreen();

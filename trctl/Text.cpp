@@ -16,7 +16,7 @@ struct Character {
     bool isValid;
 };
 
-// How many bytes a character has that begins with this one; 0 when none does.
+// Bytes of a character that begins with this one; 0 when none does.
 std::size_t lengthOf(unsigned char first) {
     if (first < 0x80) return 1;
     if (first >= 0xc2 && first <= 0xdf) return 2;
@@ -24,7 +24,7 @@ std::size_t lengthOf(unsigned char first) {
     return first >= 0xf0 && first <= 0xf4 ? 4 : 0;
 }
 
-// Surrogates and overlong forms are no characters.
+// Surrogates and overlong forms are not characters.
 bool isInRange(char32_t code, std::size_t length) {
     constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
     return code >= kSmallest[length] && code <= 0x10ffff && (code < 0xd800 || code > 0xdfff);
@@ -99,7 +99,7 @@ void eachCharacter(std::string_view text, Take take) {
     }
 }
 
-// wcwidth() knows the locale's characters only; what it does not know takes a column, roughly.
+// wcwidth() knows the locale's characters only; an unknown one is taken as one column.
 std::size_t columnsOf(const Character& character) {
     const int columns = wcwidth(static_cast<wchar_t>(character.code));
     return columns < 0 ? 1 : static_cast<std::size_t>(columns);

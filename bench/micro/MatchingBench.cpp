@@ -19,8 +19,8 @@ std::string name(int number) {
     return text;
 }
 
-// None of the watched ones is among the changes, so that every one meets all of them and no
-// command runs.
+// No watched parameter is among the changes, so each is compared with all of them and no command
+// runs.
 void watch(TR::NotifTable& table, int count) {
     std::ofstream file(kNotificationFile);
     for (int i = 0; i < count; ++i) {

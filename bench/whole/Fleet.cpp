@@ -27,7 +27,7 @@ std::uintmax_t loggedBytes() {
     return bytes;
 }
 
-// A daemon that does not get its name says under which one it serves.
+// A daemon that does not get its name logs under which one it serves.
 std::string uniqueName(const Child& daemon) {
     const std::string marker = "serving as ";
     std::string name;

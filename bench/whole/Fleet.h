@@ -30,7 +30,7 @@ constexpr std::size_t kManyParameters = 10'000;
 
 /// Everything that is measured, on one private bus: the daemon as it is, a second one whose store
 /// has been filled to 10,000 parameters (served under its unique name, as the first has the
-/// well-known one), and the two reference services. Of every row the subjects are called in turn.
+/// well-known one), and the two reference services. Each row calls its subjects in turn.
 class Fleet {
     PrivateBus bus_;  // before its users
 

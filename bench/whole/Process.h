@@ -6,7 +6,7 @@
 
 #include <sys/types.h>
 
-/// What the kernel tells of a running process. 0 where it tells nothing.
+/// What the kernel reports of a running process; 0 where it reports nothing.
 namespace bench {
 
 /// Kilobytes behind a key of /proc/PID/status or smaps_rollup, such as "VmHWM" or "Private_Dirty".

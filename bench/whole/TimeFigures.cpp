@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kGroups = 9;
 constexpr std::chrono::milliseconds kGroupTime{3000};
-// What takes milliseconds is often interrupted on a core that is shared: its p10 counts.
+// A call of milliseconds is often interrupted on a shared core, so its p10 counts.
 constexpr double kUndisturbed = 0.1;
 constexpr int kCallsInRow = 20;
 constexpr int kTurnsPerList = 2;
@@ -34,8 +34,8 @@ struct CallTimes {
     }
 };
 
-/// As the CWMP client does, many calls in a row; the first one, which finds the caches as another
-/// service has left them, does not count.
+/// Many calls in a row, as the CWMP client makes them. The first one finds another service's data
+/// in the caches and does not count.
 template <typename Call>
 void callInRow(Samples& samples, Call call) {
     call();
@@ -61,7 +61,7 @@ void callInTurn(const Fleet& fleet, CallTimes& times, int turn) {
     }
 }
 
-/// False when a cycle came into it.
+/// False when a cycle began meanwhile.
 bool sampleOnce(Fleet& fleet, CallTimes& times) {
     fleet.waitForQuiet();
     times.forEach([](Samples& samples) { samples.beginGroup(); });
@@ -97,7 +97,7 @@ void getOften(const Fleet& fleet) {
     for (int i = 0; i < kCountedCalls; ++i) fleet.daemon.get();
 }
 
-/// The thread that serves the bus, by its switches, and how many these were for each call.
+/// The thread that serves the bus, found by its context switches, and their number for each call.
 std::pair<pid_t, double> busThread(const Fleet& fleet) {
     const auto before = voluntarySwitches(fleet.daemon.pid());
     getOften(fleet);

@@ -1,11 +1,11 @@
 # shellcheck shell=dash disable=SC3060  # busybox replaces in strings
-# What every stand-in has in common; each begins with
+# What all stand-ins share; each begins with
 #
 #     . /usr/kelm-box/standin.sh
 #
-# It logs the call, then fails as /run/kelm-box/fault/COMMAND says. A call is one line and one
-# write, so lines of calls at the same time never mix (echo of busybox writes once). Nothing here
-# starts a process unless a fault is set: the daemon's own cost is measured beside it.
+# It logs the call, then fails as /run/kelm-box/fault/COMMAND asks. A call is one line and one write, so lines of
+# calls at the same time never mix (echo of busybox writes once). Nothing here starts a process unless a fault is set:
+# the daemon's own cost is measured beside it.
 
 name=${0##*/}
 newline='

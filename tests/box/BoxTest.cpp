@@ -1,4 +1,4 @@
-// The virtual box itself: what is in it, how it ends, what its stand-ins say. These tests run on
+// The virtual box itself: what is in it, how it ends, what its stand-ins print. These tests run on
 // the host and start boxes; where none can be made they are skipped with the box's own reason.
 
 #include "tests/box/HostBoxTest.h"
@@ -207,13 +207,13 @@ TEST_F(BoxTest, LogLinesOfCallsAtTheSameTimeDoNotMix) {
               "1\n30");
 }
 
-TEST_F(BoxTest, IwTellsTheLinkOfTheFixture) {
+TEST_F(BoxTest, IwPrintsTheLinkOfTheFixture) {
     EXPECT_NE(inBox("iw wlan0 link").find("\n\tsignal: -45 dBm\n"), std::string::npos);
     EXPECT_EQ(inBox("rm /run/kelm-box/iw/wlan0; iw wlan0 link"), "Not connected.");
     EXPECT_EQ(inBox("iw wlan9 link 2>/dev/null; echo $?"), "237");
 }
 
-TEST_F(BoxFaultTest, CommandsFailAsTold) {
+TEST_F(BoxFaultTest, CommandsFailAsConfigured) {
     const auto withFault = [this](const std::string& fault, const std::string& script) {
         return inBox("echo " + fault + " > /run/kelm-box/fault/iw; " + script);
     };
@@ -228,7 +228,7 @@ TEST_F(BoxFaultTest, CommandsFailAsTold) {
     EXPECT_EQ(withFault("nonsense", "iw wlan0 link 2>/dev/null; echo $?"), "99");
 }
 
-TEST_F(BoxFaultTest, PipesAndCommandsEndApart) {
+TEST_F(BoxFaultTest, PipesAndCommandsEndSeparately) {
     // Ends only when it has found the sleeper, which is to outlive what is before it.
     const std::string wake = "until killall sleep; do sleep 0.1; done; ";
     const auto withFault = [this](const std::string& fault, const std::string& script) {
@@ -271,7 +271,7 @@ TEST_F(BoxTest, LeavesNothingBehindWhenCutShortInTheBoot) {
     }
 }
 
-TEST_F(BoxTest, DiesWithWhoeverStartedIt) {
+TEST_F(BoxTest, DiesWithItsParent) {
     const std::string script = R"("$@" & wait)";
     std::vector<std::string> command = endlessBox();
     command.insert(command.begin(), {"sh", "-c", script, "sh"});
@@ -293,7 +293,7 @@ TEST_F(BoxTest, SigintReachesTheCommandOnce) {
         {"sh", "-c", R"(exec "$0" --info-fd 7 -- sh -c "$2" 7>"$1")", kBox, news, script});
     command.insert(command.begin(), "setsid");
     Child box(command, output);
-    // Before it has told who the command is, a signal cuts the boot short instead of being passed
+    // Until it has reported the command's process, a signal ends the boot instead of being passed
     // on.
     ASSERT_TRUE(box::waitUntil([&] {
         return box::readFile(output) == "ready\n" &&
@@ -304,13 +304,13 @@ TEST_F(BoxTest, SigintReachesTheCommandOnce) {
     EXPECT_EQ(box::readFile(output), "ready\nx\n");
 }
 
-TEST_F(BoxRefusalTest, SaysInOneLineWhyThereIsNoBox) {
+TEST_F(BoxRefusalTest, PrintsInOneLineWhyNoBoxCanBeMade) {
     const auto result = run({kBox, "--", "true"}, pathWith(""));
     EXPECT_EQ(result.end.code, kRefused);
     EXPECT_EQ(result.output, "box: no virtual box here: bwrap is not installed\n");
 }
 
-TEST_F(BoxRefusalTest, TellsTheKernelsReason) {
+TEST_F(BoxRefusalTest, PrintsTheKernelsReason) {
     const auto result =
         run({kBox, "--", "true"}, pathWith("echo 'bwrap: No permissions' >&2; exit 1"));
     EXPECT_EQ(result.end.code, kRefused);
@@ -336,7 +336,7 @@ TEST_F(BoxRefusalTest, AnEmulatorListsAForeignProgramsTests) {
     EXPECT_EQ(result.output, "emulator /bin/program --gtest_list_tests\n");
 }
 
-TEST_F(BoxRefusalTest, AWrongCallIsNoRefusal) {
+TEST_F(BoxRefusalTest, AWrongCallIsNotARefusal) {
     EXPECT_EQ(run({kBox, "--nonsense", "--", "true"}).end.code, 2);
     EXPECT_EQ(run({kBox}).end.code, 2);
     EXPECT_EQ(run({kBox, "--help"}).end.code, 0);

@@ -29,8 +29,8 @@ constexpr char kInvalidArguments[] = "org.freedesktop.DBus.Error.InvalidArgs";
 constexpr char kCode[] = "Device.DeviceInfo.ProvisioningCode";
 const std::string kConfig = "Device.Services.STBService.1.X_Kelm.Config.";
 
-// Bounds of the bus are not what is tried here. What waits for one client is less than the bus
-// takes from one, or a client that does not read keeps the daemon's replies from all.
+// The bus's limits are not under test here. What may wait for one client is less than the bus takes
+// from one; otherwise a client that does not read would block the daemon's replies to all.
 constexpr char kLimits[] =
     "<limit name=\"max_replies_per_connection\">50000</limit>"
     "<limit name=\"max_outgoing_bytes\">64000000</limit>"
@@ -87,7 +87,7 @@ void appendDescriptor(DBusMessageIter& position) {
     dbus_message_iter_append_basic(&position, DBUS_TYPE_UNIX_FD, &descriptor);
 }
 
-TEST_F(ClientFaultTest, AThousandCallsInFlightAreAllAnsweredEachWithItsOwn) {
+TEST_F(ClientFaultTest, AThousandCallsInFlightEachGetTheirOwnAnswer) {
     std::vector<TrClient::Pending> calls;
     for (std::size_t i = 0; i < 1000; ++i)
         calls.push_back(client().sendGetValue(knownParameter(i).address));
@@ -164,7 +164,7 @@ TEST_F(ClientFaultTest, FourHundredUnreadReadsOfALogKeepFewRepliesInMemory) {
 }
 
 // The last forty calls pile up behind a slow one. Two hundred are more than libdbus expects in one.
-TEST_F(ClientFaultTest, DescriptorsInCallsAreClosedAndLoseNoBus) {
+TEST_F(ClientFaultTest, DescriptorsInCallsAreClosedAndTheBusStaysConnected) {
     faults::setLimit(daemon().pid(), RLIMIT_NOFILE, 256);
     const auto descriptors = [](int count) {
         return [count](DBusMessageIter& position) {
@@ -354,7 +354,7 @@ TEST_F(WholeLifeTest, StartThreeCyclesStopLeavesNothingBehind) {
     expectEnd({0, 0});
 }
 
-TEST_F(WholeLifeTest, ALeakWouldBeSeen) {
+TEST_F(WholeLifeTest, TheLeakCheckerFindsALeak) {
 #if defined(__SANITIZE_ADDRESS__)
     startBus();
     Child::Environment environment = shim::environment();

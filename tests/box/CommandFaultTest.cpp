@@ -18,7 +18,7 @@ namespace {
 struct Command {
     const char* name;
     bool isOfTheStart;      // run once, not in every cycle
-    const char* parameter;  // what it tells of, when the figure stays the same from call to call
+    const char* parameter;  // the one it is the source of, when its figure stays the same
 };
 
 constexpr Command kCommands[] = {
@@ -82,7 +82,7 @@ void spoil(const Command& command, const Failing& failing) {
     std::filesystem::rename(pathOf(command), pathOf(command) + ".away");
 }
 
-void mend(const Command& command, const Failing& failing) {
+void restore(const Command& command, const Failing& failing) {
     if (failing.fault != nullptr) return box::setFault(command.name, "");
     std::filesystem::rename(pathOf(command) + ".away", pathOf(command));
 }
@@ -97,12 +97,12 @@ void forEach(bool ofTheStart, const Failing& failing,
 std::unique_ptr<FaultyLife> lifeWith(const Failing& failing) {
     FaultyLife::Script script;
     script.spoilStart = [&] { forEach(true, failing, spoil); };
-    script.mendStart = [&] { forEach(true, failing, mend); };
+    script.restoreStart = [&] { forEach(true, failing, restore); };
     script.spoil = [&](pid_t) {
         for (const Command& command : kCommands) box::clearCalls(command.name);
         forEach(false, failing, spoil);
     };
-    script.mend = [&](pid_t) { forEach(false, failing, mend); };
+    script.restore = [&](pid_t) { forEach(false, failing, restore); };
     script.killHanging = failing.fault != nullptr && std::string(failing.fault) == "hang";
     return std::make_unique<FaultyLife>(script);
 }
@@ -116,7 +116,7 @@ const FaultyLife& sharedLife(const Failing& failing) {
 
 class CommandFaultTest : public ::testing::TestWithParam<Row> {};
 
-TEST_P(CommandFaultTest, AndTheDaemonLivesOn) {
+TEST_P(CommandFaultTest, TheDaemonLivesOn) {
     const Command& command = *GetParam().command;
     const FaultyLife& life = sharedLife(*GetParam().failing);
     EXPECT_EQ(life.complaint(), "");

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Each provider can be told by a command that it alone runs: sysctl and iw, netstat, ps.
+/// Each provider is recognised by a command that it alone runs: sysctl and iw, netstat, ps.
 class CycleTest : public DaemonTest {
   protected:
     static bool called(const char* command) { return box::waitForCalls(command); }

@@ -100,12 +100,12 @@ endif()
 
 foreach(
   case
-  AThousandCallsInFlightAreAllAnsweredEachWithItsOwn
+  AThousandCallsInFlightEachGetTheirOwnAnswer
   EightClientsLoseAndMixUpNothingInTwentyThousandCalls
   ClientsThatDieInTheMiddleOfTheirCallsHarmNobody
   AClientThatNeverReadsItsRepliesHarmsNobody
   FourHundredUnreadReadsOfALogKeepFewRepliesInMemory
-  DescriptorsInCallsAreClosedAndLoseNoBus
+  DescriptorsInCallsAreClosedAndTheBusStaysConnected
   EveryWrongSignatureIsRefusedWithAndWithoutAnInterface
   AnyAddressIsTakenAsItIs
   AnyTextIsKeptAsItIs
@@ -140,7 +140,7 @@ set_tests_properties(
   PROPERTIES ENVIRONMENT "ASAN_OPTIONS=detect_leaks=1:fast_unwind_on_malloc=0;\
 LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan-exact.supp:print_suppressions=0")
 if(KELM_SANITIZE MATCHES address)
-  fault_group(ALeakWouldBeSeen WholeLifeTest.ALeak*)
+  fault_group(TheLeakCheckerFindsALeak WholeLifeTest.TheLeak*)
 endif()
 # The longest ones of all, with sanitizers most of all.
 set_tests_properties(

@@ -17,8 +17,8 @@ const std::vector<FaultyFile>& faultyFiles();
 
 /// A way in which a file can fail.
 struct FileFailing {
-    /// Puts something in the place of the file at `path`, which is not there; `content` is what it
-    /// held.
+    /// Puts something in the place of the file at `path`, which has been taken away; `content` is
+    /// what it held.
     using Placing = void (*)(const std::string& path, const std::string& content);
 
     const char* name;  ///< what the file does, as the end of a sentence
@@ -27,7 +27,7 @@ struct FileFailing {
     bool isPossibleInProc;  ///< where there is only the bind mount of another file
 };
 const std::vector<FileFailing>& fileFailings();
-/// Throws when there is none of that name.
+/// Throws for an unknown name.
 const FileFailing& fileFailing(const std::string& name);
 
 bool isPossible(const FaultyFile& file, const FileFailing& failing);

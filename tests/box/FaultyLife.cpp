@@ -16,7 +16,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr char kUpTime[] = "Device.DeviceInfo.UpTime";
-// Told by the monotonic clock alone, so every cycle changes it, whatever else fails.
+// It depends on the monotonic clock alone, so every cycle changes it, whatever else fails.
 constexpr char kChangesInEveryCycle[] =
     "Device.Services.STBService.1.ServiceMonitoring.MainStream.1.Total.ResetTime";
 // Some faults hold a cycle up for half a minute, and sanitizers and emulators are slow.
@@ -44,7 +44,7 @@ constexpr std::size_t kMemoryBoundKiB = 128 * 1024;
     throw std::runtime_error(what);
 }
 
-// A flooding command has said ten megabytes of it.
+// A flooding command has printed ten megabytes of it.
 std::string endOf(const std::string& output) {
     constexpr std::size_t kEnough = 5000;
     return output.size() <= kEnough ? output : output.substr(output.size() - kEnough);
@@ -83,7 +83,7 @@ void FaultyLife::live(const Script& script) {
     }
     script.spoilStart();
     start(script.environment);
-    script.mendStart();
+    script.restoreStart();
     giveSettings();
     before_ = readTree();
     const Vitals baseline = quietVitalsOf(daemon_->pid());
@@ -91,7 +91,7 @@ void FaultyLife::live(const Script& script) {
     waitForCycles(1);
     script.underFaults(*client_);
     readTree();
-    script.mend(daemon_->pid());
+    script.restore(daemon_->pid());
     script.afterFaults(*client_);
     waitForCycles(1);
     after_ = readTree();

@@ -14,28 +14,28 @@
 
 /// One life of the unmodified daemon that meets faults: it starts, is given settings, works under
 /// the faults for at least one whole cycle, then without them, and is looked at and stopped. Many
-/// faults that do not hide each other share a life, since each costs two five-second cycles; the
-/// rows of the tables then ask what came of theirs.
+/// faults that do not hide each other share a life, since each costs two five-second cycles; each
+/// row of the tables then checks its own fault.
 class FaultyLife {
   public:
     struct Script {
         /// Faults of what is read once, at the start; set before it and taken away after it.
         std::function<void()> spoilStart = [] {};
-        std::function<void()> mendStart = [] {};
+        std::function<void()> restoreStart = [] {};
         /// Faults of what is read in every cycle or at a call.
         std::function<void(pid_t daemon)> spoil = [](pid_t) {};
-        std::function<void(pid_t daemon)> mend = [](pid_t) {};
-        /// Said to the daemon while the faults last, beside the reading of the whole tree.
+        std::function<void(pid_t daemon)> restore = [](pid_t) {};
+        /// Called while the faults last, beside the reading of the whole tree.
         std::function<void(TrClient&)> underFaults = [](TrClient&) {};
         /// The same when they are gone.
         std::function<void(TrClient&)> afterFaults = [](TrClient&) {};
-        /// The daemon's, beside the usual one.
+        /// Added to the daemon's usual environment.
         Child::Environment environment = {};
         /// Commands that hang are killed from time to time, as a watchdog would.
         bool killHanging = false;
     };
 
-    /// Lives it; what went wrong is in `complaint()`.
+    /// Runs it; what went wrong is in `complaint()`.
     explicit FaultyLife(const Script& script);
 
     /// Empty when the daemon lived, answered, held on to its settings and nothing else, and stopped

@@ -59,11 +59,11 @@ std::unique_ptr<FaultyLife> lifeWith(const FileFailing& failing) {
     AllSpoiled spoiled;
     FaultyLife::Script script;
     script.spoilStart = [&] { spoiled = spoil(true, failing); };
-    script.mendStart = [&] { spoiled.clear(); };
+    script.restoreStart = [&] { spoiled.clear(); };
     script.spoil = [&](pid_t) { spoiled = spoil(false, failing); };
     const int times = failing.repeat == nullptr ? 3 : 50;
     script.underFaults = [=](TrClient& client) { readNotificationFile(client, times); };
-    script.mend = [&](pid_t) {
+    script.restore = [&](pid_t) {
         spoiled.clear();
         box::clearCalls("ubus");
     };
@@ -80,14 +80,14 @@ const FaultyLife& sharedLife(const FileFailing& failing) {
 
 class FileFaultTest : public ::testing::TestWithParam<Row> {};
 
-TEST_P(FileFaultTest, AndTheDaemonLivesOn) {
+TEST_P(FileFaultTest, TheDaemonLivesOn) {
     const FaultyFile& file = *GetParam().file;
     const FaultyLife& life = sharedLife(*GetParam().failing);
     EXPECT_EQ(life.complaint(), "");
     if (file.parameter != nullptr)
         EXPECT_EQ(life.after(file.parameter), life.before(file.parameter));
     EXPECT_FALSE(life.after("Device.DeviceInfo.UpTime").empty());
-    EXPECT_FALSE(box::calls("ubus").empty()) << "the watched up time is not notified any more";
+    EXPECT_FALSE(box::calls("ubus").empty()) << "the watched up time is no longer notified";
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, FileFaultTest, ::testing::ValuesIn(rows()), nameOf);

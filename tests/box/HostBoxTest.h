@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// A test that runs on the host and starts boxes itself, with a folder of its own; skipped, with
-/// the box's own reason, where none can be made.
+/// A test that runs on the host and starts boxes itself, with its own folder. It is skipped, with
+/// the box's reason, where no box can be made.
 class HostBoxTest : public ::testing::Test {
   protected:
     struct Result {

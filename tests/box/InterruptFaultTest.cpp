@@ -65,9 +65,9 @@ using Disturbance = std::shared_ptr<void>;
 
 struct Row {
     const char* name;
-    /// Of what the daemon meets from its first moment on.
+    /// What the daemon meets from its start.
     std::function<Disturbance(Random&)> beforeStart = {};
-    /// Of a daemon that answers; without it SIGINT may come as soon as the process exists.
+    /// What a daemon that answers meets; without it SIGINT may come as soon as the process exists.
     std::function<Disturbance(const Round&)> whenUp = {};
     bool isShimmed = false;
     /// Both the status of an orderly stop and this one are good.
@@ -187,7 +187,8 @@ Disturbance noBus(Random&) {
     return until([address] { setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1); });
 }
 
-// Not while the kernel's memory figures are read, once: without them there is no daemon.
+// Waits until the kernel's memory figures have been read, once at the start: without them the
+// daemon ends.
 void waitForFirstFigures(const Round& round) {
     TrClient client(round.bus.address());
     const auto areThere = [&] {

@@ -1,5 +1,5 @@
-// A box that is booted from a snapshot: it is the box that the snapshot was taken on, and no
-// archive gets out of it.
+// A box that is booted from a snapshot: it behaves as the box that the snapshot was taken on, and
+// no archive escapes from it.
 
 #include "tests/box/SnapshotTest.h"
 #include "tests/box/TreeListing.h"
@@ -109,7 +109,7 @@ TEST_F(ReplayTest, TheDaemonPublishesWhatItPublishedOnTheBox) {
     EXPECT_FALSE(address.empty()) << "the file has no live value";
 }
 
-TEST_F(ReplayTest, AMaskedPassphraseIsAllThatAMaskedArchiveChanges) {
+TEST_F(ReplayTest, AMaskedArchiveChangesOnlyThePassphrase) {
     const Result taken = takeAnotherBox("");
     ASSERT_EQ(taken.end, ExitStatus{}) << taken.output;
     const Result replayed = replay(listTree("replayed") + kStop);
@@ -120,7 +120,7 @@ TEST_F(ReplayTest, AMaskedPassphraseIsAllThatAMaskedArchiveChanges) {
     EXPECT_EQ(TreeListing::differences(expected, listing("replayed")), "");
 }
 
-TEST_F(ReplayTest, FilesAndClocksAreThoseOfTheBoxAndNoneOfTheFixture) {
+TEST_F(ReplayTest, FilesAndClocksComeFromTheBoxNotTheFixture) {
     const std::string files =
         R"(find /etc/kelm_* /var/kelm /sys /tmp -xdev -type f -not -path "$OUT/*" -exec md5sum {} + \
         -exec stat -c '%Y %n' {} + | sort)";
@@ -159,7 +159,7 @@ TEST_F(ReplayTest, SettingsCanBeWrittenThere) {
     EXPECT_EQ(result.output, "1\nX\neasycwmp.@local[0].provisioning_code='X'\n");
 }
 
-TEST_F(ReplayTest, AnUnpackedArchiveWillDoAndSoWillASnapshotOfAReplay) {
+TEST_F(ReplayTest, AcceptsAnUnpackedArchiveAndASnapshotOfAReplay) {
     ASSERT_EQ(take("echo C77 >/etc/kelm_deviceid").end, ExitStatus{});
     const std::string script =
         "cat /etc/kelm_deviceid; ip -o -4 address show dev eth0 | grep -o '192[^ ]*'; "
@@ -176,7 +176,7 @@ TEST_F(ReplayTest, AnUnpackedArchiveWillDoAndSoWillASnapshotOfAReplay) {
 struct Hostile {
     const char* name;
     const char* script;   // makes evil.tar.gz of the good folder kelm-trd-snapshot, as it likes
-    const char* message;  // what box/box says of it, the beginning
+    const char* message;  // the beginning of what box/box prints
 };
 
 std::ostream& operator<<(std::ostream& stream, const Hostile& row) {
@@ -252,7 +252,7 @@ constexpr Hostile kHostile[] = {
 INSTANTIATE_TEST_SUITE_P(Archives, HostileArchiveTest, ::testing::ValuesIn(kHostile),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(ReplayTest, LinesOfAnArchiveThatMakeNoSenseStandForNothing) {
+TEST_F(ReplayTest, MalformedLinesOfAnArchiveAreIgnored) {
     const std::string script =
         R"(cd "$OUT" && mkdir -p box/files/etc box/files/var box/commands/1 box/commands/2 box/commands/3
         cd box; echo 'format 1' >about; echo root::0 >files/etc/passwd; echo x >files/etc/kelm_deviceid

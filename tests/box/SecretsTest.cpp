@@ -51,7 +51,7 @@ class SecretsTest : public SnapshotTest {
     }
 };
 
-TEST_F(SecretsTest, AMaskedArchiveHoldsNoneAnywhere) {
+TEST_F(SecretsTest, AMaskedArchiveHoldsNoSecret) {
     const Result result = takeWithDaemon("");
     ASSERT_EQ(result.end, ExitStatus{}) << result.output;
     for (const char* const secret : kSecrets)
@@ -68,7 +68,7 @@ TEST_F(SecretsTest, AMaskedArchiveHoldsNoneAnywhere) {
     EXPECT_NE(tree.find(R"(psk=********",)"), std::string::npos) << tree;
 }
 
-TEST_F(SecretsTest, TheyAreInTheArchiveOnRequest) {
+TEST_F(SecretsTest, AnArchiveHoldsSecretsOnRequest) {
     const Result result = takeWithDaemon("--with-secrets");
     ASSERT_EQ(result.end, ExitStatus{}) << result.output;
     for (const char* const secret : kSecrets)

@@ -30,7 +30,7 @@ sockaddr_un addressOf(const std::string& path) {
     return address;
 }
 
-/// A socket, owned; -1 when there is none.
+/// An owned socket, or -1.
 class Socket {
   public:
     explicit Socket(int descriptor) : descriptor_(descriptor) {}

@@ -127,7 +127,7 @@ TEST_F(SnapshotTest, ChangesNothingOnTheBoxAndAsksHarmlessQuestionsOnly) {
         "uci -q get easycwmp.@local[0].provisioning_code\n");
 }
 
-TEST_F(SnapshotTest, WhatIsNoFileIsNotedAndNeverWaitedFor) {
+TEST_F(SnapshotTest, AnythingButAFileIsNotedAndNeverWaitedFor) {
     const Result result = take(
         "cd /var/kelm; rm TZ update_type syslog_host; mkfifo update_type; mkdir syslog_host; "
         "ln -s /dev/zero /tmp/syslog.7; ln -s nowhere TZ; : >'odd name'; rm /usr/bin/chipid_tool");
@@ -151,7 +151,7 @@ TEST_F(SnapshotTest, ACommandThatHangsIsCutOff) {
     EXPECT_NE(result.output.find("cut off after 1 s: netstat -aun"), std::string::npos);
 }
 
-TEST_F(SnapshotTest, WhatIsTooLargeIsCutToWholeLinesOfALogTheNewest) {
+TEST_F(SnapshotTest, ALargeFileIsCutToWholeLinesAndALogKeepsItsNewest) {
     const Result result =
         take("echo flood >/run/kelm-box/fault/iw; seq 100000 | sed 's/^/line /' >/tmp/syslog",
              "--file-limit 100");
@@ -165,7 +165,7 @@ TEST_F(SnapshotTest, WhatIsTooLargeIsCutToWholeLinesOfALogTheNewest) {
     EXPECT_EQ(log.substr(log.size() - 12), "line 100000\n");
 }
 
-TEST_F(SnapshotTest, TheWholeHasItsLimitToo) {
+TEST_F(SnapshotTest, TheWholeArchiveIsLimited) {
     const Result result =
         take("seq 100000 >/tmp/syslog; seq 9999 >/tmp/syslog.0", "--total-limit 200");
     ASSERT_EQ(result.end, ExitStatus{}) << result.output;
@@ -208,7 +208,7 @@ TEST_F(SnapshotTest, AnArchiveCanGoToStandardOutput) {
     EXPECT_EQ(result.output, "kelm-trd-snapshot/\n");
 }
 
-TEST_F(SnapshotTest, AWrongCallIsToldApart) {
+TEST_F(SnapshotTest, AWrongCallExitsWith2) {
     const std::string script = R"sh(call() { "$SNAPSHOT" "$@" >/dev/null 2>&1; echo $?; }
         before=$(ls -A /tmp)
         call --nonsense; call -o; call -o /tmp; call --timeout 0; call --file-limit x

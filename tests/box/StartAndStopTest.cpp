@@ -35,8 +35,8 @@ class StartAndStopTest : public DaemonTest {
     }
     void expectTheSecondInterruptToEndIt() {
         daemon().send(SIGINT);
-        // A blocked signal is pending until main has taken the first one; only then is the second
-        // one a second.
+        // A blocked signal is pending until main has taken the first one; only then does the next
+        // one count as a second.
         EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
         const std::vector<pid_t> command = descendantsOf(daemon().pid());
         daemon().send(SIGINT);
@@ -105,7 +105,7 @@ TEST_F(StartAndStopTest, TheSecondInterruptCountsWhileTheNotifyCommandRuns) {
     expectTheSecondInterruptToEndIt();
 }
 
-TEST_F(StartAndStopTest, ADaemonKilledWhileTheNotifyCommandRunsGivesItsNameUp) {
+TEST_F(StartAndStopTest, ADaemonKilledWhileTheNotifyCommandRunsReleasesItsName) {
     ASSERT_NO_FATAL_FAILURE(startAndAwaitNotify(60));
     daemon().send(SIGKILL);
     expectEnd({0, SIGKILL});
@@ -175,7 +175,7 @@ TEST_F(StartAndStopTest, ABadBusAddressIsExplainedInTheLog) {
     expectEnd({0, 0});
 }
 
-TEST_F(StartAndStopTest, ATakenNameIsWarnedOfAndServedAllTheSame) {
+TEST_F(StartAndStopTest, ATakenNameIsLoggedAndTheUniqueNameServed) {
     start();
     Child second({KELM_TRD_PROGRAM}, "/tmp/second-output");
     expectServedAs(servedAs(second));
@@ -185,7 +185,7 @@ TEST_F(StartAndStopTest, ATakenNameIsWarnedOfAndServedAllTheSame) {
     expectAnswers();
 }
 
-TEST_F(StartAndStopTest, ANameThatIsRefusedIsWarnedOfAndTheRestServed) {
+TEST_F(StartAndStopTest, ARefusedNameIsLoggedAndTheUniqueNameServed) {
     startBus(R"(<policy context="mandatory"><deny own="com.kelm.stb.TR"/></policy>)");
     launch();
     expectServedAs(servedAs(daemon()));
@@ -194,7 +194,7 @@ TEST_F(StartAndStopTest, ANameThatIsRefusedIsWarnedOfAndTheRestServed) {
     expectEnd({0, 0});
 }
 
-TEST_F(StartAndStopTest, AnOwnerThatIsNotKnownIsWarnedOfAndTheRestServed) {
+TEST_F(StartAndStopTest, AnUnknownOwnerIsLoggedAndTheObjectServed) {
     startBus(
         R"(<policy context="mandatory"><deny send_interface="org.freedesktop.DBus" send_member="GetNameOwner"/></policy>)");
     launch();
@@ -244,7 +244,7 @@ TEST_F(StartAndStopTest, AFailedWorkerIsLoggedAndEndsTheDaemonInOrder) {
     EXPECT_TRUE(logHas("basic_string::substr")) << daemon().output();
 }
 
-TEST_F(StartAndStopTest, AnInterruptWhileAFailedWorkerEndsTheDaemonIsAFirstOne) {
+TEST_F(StartAndStopTest, AnInterruptWhileAFailedWorkerEndsTheDaemonCountsAsTheFirst) {
     ASSERT_NO_FATAL_FAILURE(startWithAFailingWorkerAndASlowCall());
     EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1200)).has_value());
     daemon().send(SIGINT);

@@ -124,8 +124,8 @@ std::vector<Row> rows() {
     };
 }
 
-// A daemon that may not ask who owns its name logs so. What is in the place of its standard error
-// must not take that.
+// A daemon that may not ask who owns its name logs so. The file in the place of its standard error
+// must not receive that line.
 constexpr char kOwnersAreSecret[] = R"(<policy context="mandatory">
 <deny send_interface="org.freedesktop.DBus" send_member="GetNameOwner"/></policy>)";
 
@@ -158,7 +158,7 @@ TEST_F(FileSizeTest, ASettingBeyondTheLimitFailsAsOnAFullDisk) {
     expectEnd({0, 0});
 }
 
-/// A log's reader that does not read: the daemon logs that there is no bus, and lives on.
+/// A log's reader that does not read: the daemon logs that it has no bus, and lives on.
 class LogReaderTest : public DaemonTest {
   protected:
     void launchWithAFullPipe(bool hasReader) {
@@ -184,13 +184,13 @@ class LogReaderTest : public DaemonTest {
     }
 };
 
-TEST_F(LogReaderTest, AStalledOneHoldsNothingUp) {
+TEST_F(LogReaderTest, AStalledReaderDelaysNothing) {
     box::clearCalls("ps");
     launchWithAFullPipe(true);
     expectCyclesAndAnOrderlyEnd();
 }
 
-TEST_F(LogReaderTest, OneThatIsGoneEndsNothing) {
+TEST_F(LogReaderTest, AReaderThatIsGoneEndsNothing) {
     box::clearCalls("ps");
     launchWithAFullPipe(false);
     expectCyclesAndAnOrderlyEnd();

@@ -34,7 +34,7 @@ constexpr bool kIsSanitized = false;
 constexpr char kUpTime[] = "Device.DeviceInfo.UpTime";
 constexpr int kManyInterfaces = 200;
 
-// Stops whatever a row finds wrong from being taken for a setting that was lost.
+// Throws, so that the complaint names what a row finds wrong, not a lost setting.
 void require(bool condition, const char* what) {
     if (!condition) throw std::runtime_error(what);
 }
@@ -67,7 +67,7 @@ void expectManyInterfaces(TrClient& client) {
 struct Row {
     const char* name;
     std::function<void(pid_t)> spoil;
-    std::function<void(pid_t)> mend;
+    std::function<void(pid_t)> restore;
     std::function<void(TrClient&)> underFaults = [](TrClient&) {};
     bool isForSanitizers = true;
     bool isShimmed = false;
@@ -112,13 +112,13 @@ std::ostream& operator<<(std::ostream& stream, const Row& row) {
 
 class SystemFaultTest : public ::testing::TestWithParam<Row> {};
 
-TEST_P(SystemFaultTest, AndTheDaemonLivesOn) {
+TEST_P(SystemFaultTest, TheDaemonLivesOn) {
     const Row& row = GetParam();
     if (kIsSanitized && !row.isForSanitizers)
         GTEST_SKIP() << "a sanitizer needs more address space than any limit";
     FaultyLife::Script script;
     script.spoil = row.spoil;
-    script.mend = row.mend;
+    script.restore = row.restore;
     script.underFaults = row.underFaults;
     script.afterFaults = [](TrClient& client) { client.updateNotifTable(); };
     if (row.isShimmed) script.environment = shim::environment();
@@ -159,7 +159,7 @@ class MemoryLimitTest : public DaemonTest {};
 
 // Memory that cannot be had in the middle of a cycle ends the worker, and a daemon without one ends
 // in order, for its supervisor to start another one.
-TEST_F(MemoryLimitTest, ALogThatDoesNotFitIsLivedWithOrEndsTheDaemonInOrder) {
+TEST_F(MemoryLimitTest, ALogThatDoesNotFitIsSurvivedOrEndsTheDaemonInOrder) {
     if (kIsSanitized) GTEST_SKIP() << "a sanitizer needs more address space than any limit";
     start();
     faults::setLimit(daemon().pid(), RLIMIT_AS,

@@ -35,7 +35,7 @@ class TrctlReportTest : public TrctlTest {
     }
 };
 
-TEST_F(TrctlReportTest, ThePageHoldsWhatTheBusReadsButTheSecrets) {
+TEST_F(TrctlReportTest, ThePageHoldsTheValuesOfTheBusWithoutSecrets) {
     start();
     const Result result = run({"report", kPage, "--seconds", "0"});
     EXPECT_EQ(result.status, 0) << result.errors;
@@ -53,7 +53,7 @@ TEST_F(TrctlReportTest, ThePageHoldsWhatTheBusReadsButTheSecrets) {
     EXPECT_EQ(run({"report", kPage, "Device.Nope"}).status, 1);
 }
 
-TEST_F(TrctlReportTest, WhatChangesWhileItWatchesIsASeries) {
+TEST_F(TrctlReportTest, AValueThatChangesWhileWatchedIsASeries) {
     start();
     const auto trctl = begin({"report", "--seconds", "2", "-", kHost});
     for (int i = 0; trctl->isRunning(); ++i) client().set(kHost, std::to_string(i));
@@ -77,7 +77,7 @@ TEST_F(TrctlReportTest, ASnapshotNeedsNoBus) {
     EXPECT_FALSE(has(pageData(), "hidden"));
 }
 
-TEST_F(TrctlReportTest, WhatCannotBeUsedEndsWithTwo) {
+TEST_F(TrctlReportTest, UnusableInputExitsWith2) {
     archive("not JSON");
     const Result noJson = run({"report", kPage, "--snapshot", "/tmp/box.tar.gz"});
     EXPECT_EQ(noJson.status, 2);

@@ -38,7 +38,7 @@ class TrctlTerminalTest : public TrctlTest {
     }
 };
 
-TEST_F(TrctlTerminalTest, ColoursAreForTerminalsThatWantThem) {
+TEST_F(TrctlTerminalTest, ColoursAppearOnlyOnTerminalsThatAllowThem) {
     const Words tree = {"tree", "Device.DeviceInfo.MemoryStatus."};
     EXPECT_TRUE(has(seen(tree), "\x1b["));
     EXPECT_FALSE(has(seen(tree, {{"NO_COLOR", "1"}}), "\x1b"));
@@ -72,7 +72,7 @@ TEST_F(TrctlTerminalTest, ATreeFitsTheTerminal) {
     EXPECT_TRUE(has(text, "~\r\n")) << text;
 }
 
-TEST_F(TrctlTerminalTest, APlotIsDrawnAndTheTerminalIsRestored) {
+TEST_F(TrctlTerminalTest, PlotDrawsAndRestoresTheTerminal) {
     TerminalChild trctl = onTerminal({"watch", "--plot", "--interval", "0.1", kUpTime}, {});
     ASSERT_TRUE(trctl.waitForText(kUpTime + " = "));
     // Two frames and more: a character of Braille is in each.
@@ -87,18 +87,18 @@ TEST_F(TrctlTerminalTest, APlotIsDrawnAndTheTerminalIsRestored) {
     EXPECT_EQ(trctl.screen().rfind(kLeave), trctl.screen().size() - kLeave.size());
 }
 
-TEST_F(TrctlTerminalTest, APlotThatIsQuitGivesTheTerminalBackAndEndsByTheSignal) {
+TEST_F(TrctlTerminalTest, PlotRestoresTheTerminalAndEndsByTheSignal) {
     TerminalChild trctl = onTerminal({"watch", "--plot", "--interval", "0.1", kUpTime}, {});
     ASSERT_TRUE(trctl.waitForText("\x1b[J"));
     trctl.type("\x1c");
     EXPECT_EQ(trctl.waitForEnd(), (ExitStatus{0, SIGQUIT}));
-    // An emulator has a word to say behind it.
+    // An emulator prints a message behind it.
     const std::size_t left = trctl.screen().rfind(kLeave);
     ASSERT_NE(left, std::string::npos);
     EXPECT_FALSE(has(trctl.screen().substr(left), kHome));
 }
 
-TEST_F(TrctlTerminalTest, APlotIsDrawnAnewWhenTheTerminalChangesItsSize) {
+TEST_F(TrctlTerminalTest, PlotIsRedrawnWhenTheTerminalIsResized) {
     TerminalChild trctl = onTerminal({"watch", "--plot", "--interval", "600", kUpTime}, {});
     ASSERT_TRUE(trctl.waitForText("\x1b[J"));
     const std::size_t first = trctl.screen().size();
@@ -108,7 +108,7 @@ TEST_F(TrctlTerminalTest, APlotIsDrawnAnewWhenTheTerminalChangesItsSize) {
     EXPECT_TRUE(has(frame, "~\x1b[K")) << "the headline is not cut to the new size";
 }
 
-TEST_F(TrctlTerminalTest, ADaemonThatDiesInAPlotGivesTheTerminalBackAndThree) {
+TEST_F(TrctlTerminalTest, PlotRestoresTheTerminalAndExits3WhenTheDaemonDies) {
     TerminalChild trctl =
         onTerminal({"watch", "--plot", "--interval", "0.1", "--ascii", kUpTime}, {});
     ASSERT_TRUE(trctl.waitForText("*"));
@@ -120,7 +120,7 @@ TEST_F(TrctlTerminalTest, ADaemonThatDiesInAPlotGivesTheTerminalBackAndThree) {
     EXPECT_NE(trctl.screen().find("trctl: ", left), std::string::npos);
 }
 
-TEST_F(TrctlTerminalTest, APlotWantsATerminalAndOneNumber) {
+TEST_F(TrctlTerminalTest, PlotNeedsATerminalAndOneNumber) {
     const Result noTerminal = run({"watch", "--plot", kUpTime});
     EXPECT_EQ(noTerminal.status, 2);
     EXPECT_TRUE(has(noTerminal.errors, "on a terminal only")) << noTerminal.errors;
@@ -131,7 +131,7 @@ TEST_F(TrctlTerminalTest, APlotWantsATerminalAndOneNumber) {
     EXPECT_EQ(many.waitForEnd(), (ExitStatus{2, 0}));
 }
 
-TEST_F(TrctlTerminalTest, CtrlCEndsWatchWithZero) {
+TEST_F(TrctlTerminalTest, CtrlCEndsWatchWithStatus0) {
     TerminalChild trctl = onTerminal({"watch", "--interval", "0.1"}, {});
     ASSERT_TRUE(trctl.waitForText(" -> "));
     trctl.type("\x03");

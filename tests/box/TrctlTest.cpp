@@ -90,7 +90,7 @@ TEST_F(TrctlTest, SetWritesAndReadsBack) {
     EXPECT_EQ(run({"set", kInterval, "+7"}).status, 0);
 }
 
-TEST_F(TrctlTest, SetIsRefusedWithTheReasonWhereTheBusIsSilent) {
+TEST_F(TrctlTest, SetPrintsWhyTheDaemonDoesNotWrite) {
     start();
     const Result readOnly = run({"set", kUpTime, "1"});
     EXPECT_EQ(readOnly.status, 1);
@@ -106,7 +106,7 @@ TEST_F(TrctlTest, SetIsRefusedWithTheReasonWhereTheBusIsSilent) {
     EXPECT_TRUE(has(bytes.errors, "not valid UTF-8")) << bytes.errors;
 }
 
-TEST_F(TrctlTest, SetTellsWhatReadsBackInAnotherWay) {
+TEST_F(TrctlTest, SetPrintsAValueThatReadsBackDifferently) {
     start();
     const Result cut = run({"set", kInterval, "42abc"});
     EXPECT_EQ(cut.status, 1);
@@ -114,7 +114,7 @@ TEST_F(TrctlTest, SetTellsWhatReadsBackInAnotherWay) {
     EXPECT_TRUE(has(cut.errors, "only the number at its beginning")) << cut.errors;
 }
 
-TEST_F(TrctlTest, SetOnADiskWithoutRoomSaysThatItDidNotTake) {
+TEST_F(TrctlTest, SetReportsAWriteThatAFullDiskRefuses) {
     ASSERT_EQ(mount("none", "/var/kelm", "tmpfs", 0, "size=64k"), 0);
     start();
     ASSERT_EQ(run({"set", kHost, "10.0.0.1"}).status, 0);
@@ -124,7 +124,7 @@ TEST_F(TrctlTest, SetOnADiskWithoutRoomSaysThatItDidNotTake) {
     EXPECT_TRUE(has(result.errors, "did not take")) << result.errors;
 }
 
-TEST_F(TrctlTest, WhatATerminalWouldObeyIsEscapedAndStaysWholeInJson) {
+TEST_F(TrctlTest, ControlCharactersAreEscapedAndStayWholeInJson) {
     start();
     box::writeFile("/var/kelm/syslog_host", "a\x1b[31m\n\xC2\x9B\xE2\x80\xAE\\b");
     EXPECT_EQ(run({"get", kHost}).output, kHost + " = a\\x1b[31m\\n\\u009b\\u202e\\\\b\n");
@@ -180,7 +180,7 @@ TEST_F(TrctlTest, WaitReturnsWhenTheTreeIsWhole) {
     EXPECT_EQ(waited.output + waited.errors, "");
 }
 
-TEST_F(TrctlTest, WaitWithoutADaemonOrABusEndsWithThree) {
+TEST_F(TrctlTest, WaitExits3WithoutADaemonOrABus) {
     startBus();
     const Result noDaemon = run({"wait", "--timeout", "0.2"});
     EXPECT_EQ(noDaemon.status, 3);
@@ -217,14 +217,14 @@ TEST_F(TrctlTest, DiffFindsTheSettingThatChanged) {
     EXPECT_EQ(bash("\"$TRCTL\" diff - '" + kConfig + "' </tmp/saved.json").status, 1);
 }
 
-TEST_F(TrctlTest, DiffTellsOfWhatOnlyOneSideHas) {
+TEST_F(TrctlTest, DiffPrintsWhatOnlyOneSideHas) {
     start();
     box::writeFile("/tmp/saved.json", R"({"Device.Old.A": "1"})");
     EXPECT_EQ(run({"diff", "/tmp/saved.json", "Device.Old.", kHost}).status, 1);
     EXPECT_EQ(printed(), "- Device.Old.A = 1\n+ " + kHost + " = 192.168.1.1\n");
 }
 
-TEST_F(TrctlTest, DiffWithAFileThatIsNoneOfOursEndsWithTwo) {
+TEST_F(TrctlTest, DiffWithAForeignFileExits2) {
     start();
     for (const char* text : {"", "{", "[]", "{\"a\": 1}", "a = b\n", "{\"a\":\"b\"} x"}) {
         box::writeFile("/tmp/saved.json", text);
@@ -282,7 +282,7 @@ TEST_F(TrctlTest, AnInterruptEndsWatchAlsoWhileTheDaemonHangs) {
     daemon().send(SIGCONT);
 }
 
-TEST_F(TrctlTest, WatchEndsWithThreeWhenTheDaemonDies) {
+TEST_F(TrctlTest, WatchExits3WhenTheDaemonDies) {
     start();
     const auto trctl = begin({"watch", "--interval", "0.1"});
     ASSERT_TRUE(box::waitUntil([] { return has(printed(), kUpTime); }));
@@ -292,7 +292,7 @@ TEST_F(TrctlTest, WatchEndsWithThreeWhenTheDaemonDies) {
     EXPECT_TRUE(has(result.errors, "kelm-trd")) << result.errors;
 }
 
-TEST_F(TrctlTest, WatchEndsWithThreeWhenTheBusDies) {
+TEST_F(TrctlTest, WatchExits3WhenTheBusDies) {
     start();
     const auto trctl = begin({"watch", "--interval", "0.1"});
     ASSERT_TRUE(box::waitUntil([] { return has(printed(), kUpTime); }));
@@ -302,7 +302,7 @@ TEST_F(TrctlTest, WatchEndsWithThreeWhenTheBusDies) {
     EXPECT_TRUE(has(result.errors, "--bus ADDRESS")) << result.errors;
 }
 
-TEST_F(TrctlTest, WithoutADaemonOrABusTheStatusIsThreeWithAdvice) {
+TEST_F(TrctlTest, Exits3WithAdviceWithoutADaemonOrABus) {
     startBus();
     const Result noDaemon = run({"get", kUpTime});
     EXPECT_EQ(noDaemon.status, 3);
@@ -322,7 +322,7 @@ TEST_F(TrctlTest, TheBusOnTheCommandLineComesFirst) {
               0);
 }
 
-TEST_F(TrctlTest, AReaderThatGoesEndsItInSilence) {
+TEST_F(TrctlTest, AClosedPipeEndsItInSilence) {
     start();
     for (const char* command : {"list", "get Device.", "tree", "--help", "watch --interval 0.1"}) {
         const Result result =
@@ -337,7 +337,7 @@ TEST_F(TrctlTest, AReaderThatGoesEndsItInSilence) {
     EXPECT_TRUE(has(full.errors, "No space left on device")) << full.errors;
 }
 
-TEST_F(TrctlTest, TenThousandParametersAreNoTrouble) {
+TEST_F(TrctlTest, TenThousandParametersAreListedAndRead) {
     start();
     // The flag query is what adds an address.
     for (int i = 0; i < kMany; ++i)
@@ -350,7 +350,7 @@ TEST_F(TrctlTest, TenThousandParametersAreNoTrouble) {
     EXPECT_EQ(run({"diff", "/tmp/saved.json", "Device.Many."}).status, 0);
 }
 
-TEST_F(TrctlTest, AnOverLargeValueHidesNoOther) {
+TEST_F(TrctlTest, AnOverLargeValueDoesNotHideOthers) {
     // Each byte takes six in the published text.
     box::writeFile("/tmp/syslog", std::string(24U << 20, '\x01'));
     start();
@@ -395,7 +395,7 @@ TEST_F(TrctlTest, CompletionOffersTheRunningDaemonsAddressesLevelByLevel) {
               "Device.IP.\n");
 }
 
-TEST_F(TrctlTest, AnAddressCannotGetACommandIntoTheCommandLine) {
+TEST_F(TrctlTest, AnAddressCannotInjectACommand) {
     start();
     client().getWritable("Evil.$(touch /tmp/evil)`touch /tmp/evil`;touch /tmp/evil");
     const Result result = bash(completions("get Evil."));

@@ -16,7 +16,7 @@ class TrctlTest : public DaemonTest {
         std::string errors;
     };
 
-    /// Starts it with its standard output in a file of its own.
+    /// Starts it with its standard output in a separate file.
     static std::unique_ptr<Child> begin(const Words& arguments);
     static Result end(Child& trctl);
     static Result run(const Words& arguments);

@@ -42,7 +42,7 @@ Lines parse(const std::string& listing) {
     return lines;
 }
 
-// A shape that is no expression matches nothing, so that it shows.
+// A shape that is not a valid expression matches nothing, so that it shows.
 bool matches(const std::string& value, const std::string& shape) {
     regex_t expression;
     if (regcomp(&expression, ("^(" + shape + ")$").c_str(), REG_EXTENDED | REG_NOSUB) != 0)

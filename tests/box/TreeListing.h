@@ -6,9 +6,9 @@
 /// format.
 namespace TreeListing {
 
-/// Where the listing departs from what is expected of it, an address that is missing, not expected
-/// or different a paragraph, the first ten of them; empty when nowhere. What is expected may hold
-/// comments and shapes.
+/// Where the listing differs from what is expected: a paragraph for each address that is missing,
+/// unexpected or different, at most ten. Empty when the two agree. \p expected may hold comments
+/// and shapes.
 std::string differences(const std::string& expected, const std::string& listing);
 
 }  // namespace TreeListing

@@ -54,14 +54,14 @@ TEST(TreeListingTest, OfManyDifferencesTheFirstTenShow) {
     EXPECT_NE(text.find("extra:    k -- object\nand 1 more\n"), std::string::npos) << text;
 }
 
-TEST(TreeListingTest, ListingsOutOfOrderAndAnEmptyExpectationAreNoAgreement) {
+TEST(TreeListingTest, UnsortedListingsAndAnEmptyExpectationDiffer) {
     const std::string wrong = "b -- object\na -- object\n";
     EXPECT_NE(TreeListing::differences(wrong, wrong), "");
     EXPECT_NE(TreeListing::differences("a -- object\nb -- object\n", wrong), "");
     EXPECT_NE(TreeListing::differences("# only a comment\n", ""), "");
 }
 
-TEST(TreeListingTest, AShapeThatIsNoExpressionMatchesNothing) {
+TEST(TreeListingTest, AnInvalidShapeMatchesNothing) {
     EXPECT_NE(TreeListing::differences("a -- string ~[0-9\n", "a -- string [0-9\n"), "");
 }
 

@@ -29,7 +29,7 @@ class WholeTreeTest : public DaemonTest {
     }
 };
 
-TEST_F(WholeTreeTest, EveryAddressIsAsTheGoldenListingHasItInALaterCycleToo) {
+TEST_F(WholeTreeTest, TheTreeMatchesTheGoldenListingAlsoInALaterCycle) {
     const GroupMember player(kGroup, 1234);
     start();
     expectTree();

@@ -17,7 +17,7 @@ namespace {
 const std::string kHost = "Device.Services.STBService.1.X_Kelm.Config.SyslogHost";
 const std::string kZone = "Device.Services.STBService.1.X_Kelm.Config.TimeZone";
 
-// Beyond what the daemon has open just now there is nothing to be had.
+// The daemon can open no descriptor beyond those that it has open now.
 void limitDescriptors(pid_t daemon) {
     faults::setLimit(daemon, RLIMIT_NOFILE, 3);
 }
@@ -29,7 +29,7 @@ void freeDescriptors(pid_t daemon) {
 struct Row {
     const char* name;
     void (*spoil)(pid_t daemon);
-    void (*mend)(pid_t daemon);
+    void (*restore)(pid_t daemon);
 };
 
 const Row kRows[] = {
@@ -62,7 +62,8 @@ class WriteFaultTest : public DaemonTest, public ::testing::WithParamInterface<R
 TEST_P(WriteFaultTest, LosesNoSetting) {
     const Vitals before = quietVitalsOf(daemon().pid());
     GetParam().spoil(daemon().pid());
-    // Neither larger nor smaller nor deleted may it be lost; what fits on a full disk may be new.
+    // A larger, a smaller or an empty write must not lose it; one that fits on a full disk may
+    // replace it.
     for (int round = 0; round < 10; ++round) {
         EXPECT_TRUE(client().set(kHost, std::string(100'000, 'x')).ok);
         EXPECT_TRUE(client().set(kZone, "CET-1CEST").ok);
@@ -71,7 +72,7 @@ TEST_P(WriteFaultTest, LosesNoSetting) {
                              std::string(8000, 'y'))
                         .ok);
     }
-    GetParam().mend(daemon().pid());
+    GetParam().restore(daemon().pid());
     EXPECT_EQ(value(kHost), "10.1.2.3");
     const std::string zone = value(kZone);
     EXPECT_TRUE(zone == "MSK-3" || zone == "CET-1CEST") << zone;

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-// What stands before the first point, and nothing where there is none.
+// The text before the first point; nothing without a point.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::string seconds = TR::DeviceInfo::upTime(text);

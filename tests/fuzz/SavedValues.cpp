@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-// A file that is said to hold saved values, and a change line of the daemon's: anything may stand
-// there. What is taken for values can be printed and read again.
+// A file given as saved values, and a change line of the daemon: both may hold anything. Values
+// that are accepted can be printed and read again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     client::faultOfChangeLine(text);

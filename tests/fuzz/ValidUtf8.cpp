@@ -7,8 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-// Whatever comes in, libdbus lets what goes out through; and what it would have let through is left
-// alone.
+// libdbus accepts the result for any input, and input that it accepts is unchanged.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::string repaired = TR::toValidUtf8(text);

@@ -16,7 +16,7 @@ check() {
 }
 
 refuses() { ! "$@"; }
-says() { # says TEXT COMMAND...: the text is what the command prints
+prints() { # prints TEXT COMMAND...: the text is what the command prints
     local wanted=$1 got
     shift
     got=$("$@" 2>&1) || true
@@ -53,7 +53,7 @@ call() {
         --dest=com.kelm.stb.TR /com/kelm/stb/TR "com.kelm.stb.TR.$member" "$@") || return
     [ -z "$got" ] || echo "$got" | sed "s/^ *//"
 }
-answers() { says KELM call get_value string:Device.DeviceInfo.Manufacturer; }
+answers() { prints KELM call get_value string:Device.DeviceInfo.Manufacturer; }
 readonly syslog_host=Device.Services.STBService.1.X_Kelm.Config.SyslogHost
 counts_processes() { # more than the daemon, its shell and its ps
     local number

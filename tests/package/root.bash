@@ -1,4 +1,4 @@
-# Sourced by the tests that install the package into a Debian root of their own. All of it is gone when they end.
+# Sourced by the tests that install the package into a separate Debian root. All of it is gone when they end.
 # shellcheck shell=bash disable=SC2034  # what is left for others
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)

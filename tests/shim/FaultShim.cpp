@@ -19,8 +19,8 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-// On 32 bits the wide times have functions of their own, and the headers give these definitions
-// their names.
+// On 32 bits the wide times have separate functions, and the headers give these definitions their
+// names.
 #if defined(__TIMESIZE) && defined(_TIME_BITS) && __TIMESIZE == 32 && _TIME_BITS == 64
 #define KELM_REAL_NAME(name, wide) wide
 #else
@@ -81,7 +81,7 @@ timespec soon() {
 
 }  // namespace
 
-// With KELM_SHIM_LEAK in the environment there is something for a leak checker to find.
+// With KELM_SHIM_LEAK in the environment memory is leaked for a leak checker to find.
 __attribute__((constructor)) static void leak() {
     if (std::getenv("KELM_SHIM_LEAK") == nullptr) return;
     for (int i = 0; i < 10; ++i) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// The figures of a long run: printed as they come, and at the end held against the first ones
+/// The figures of a long run: printed as they come, and at the end compared with the first ones
 /// after the warm-up. Memory may grow by a twentieth and 512 KiB, descriptors and threads not at
 /// all.
 class FlatCheck {

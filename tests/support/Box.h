@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-/// What a test that runs inside the virtual box says to it: its files, its stand-in commands' logs
-/// and faults. Everything is a plain file of the box and is gone with it.
+/// The virtual box as a test inside it uses it: its files, its stand-in commands' logs and faults.
+/// Everything is a plain file of the box and is gone with it.
 namespace box {
 
 /// Replaces a file's content, making its folders.
 void writeFile(const std::string& path, const std::string& content);
-/// Empty when there is no such file.
+/// Empty for a missing file.
 std::string readFile(const std::string& path);
 
 /// The argument lines, command name first, that a stand-in was called with since `clearCalls`,

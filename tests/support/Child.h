@@ -23,7 +23,7 @@ std::ostream& operator<<(std::ostream& stream, const ExitStatus& status);
 /// The threads of a process; 0 when it has ended.
 std::size_t threadCountOf(pid_t pid);
 
-/// Becomes that program, in this process; ends it with status 127 where there is none.
+/// Replaces this process by the program; exits with status 127 when it is missing.
 [[noreturn]] void becomeProgram(
     const std::vector<std::string>& command,
     const std::vector<std::pair<std::string, std::string>>& environment);
@@ -33,9 +33,9 @@ class Child {
   public:
     using Environment = std::vector<std::pair<std::string, std::string>>;
 
-    /// \p output takes standard output and standard error; \p prepare runs in the new process,
-    /// last before the program. Throws std::system_error when there is no process to be had; a
-    /// program that does not exist ends with status 127.
+    /// \p output takes standard output and standard error; \p prepare runs in the new process, last
+    /// before the program. Throws std::system_error when no process can be started; a program that
+    /// does not exist ends with status 127.
     Child(const std::vector<std::string>& command, const std::string& output,
           const Environment& environment = {}, const std::function<void()>& prepare = {});
     ~Child();

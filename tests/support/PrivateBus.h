@@ -19,7 +19,7 @@ class PrivateBus {
     const std::string& address() const { return address_; }
     /// Ends the bus at once, as a crash would.
     void kill();
-    /// Lets it answer nobody until it is woken, without a connection being lost.
+    /// Stops it from answering until it is woken; no connection is lost.
     void freeze();
     void wake();
     void start();

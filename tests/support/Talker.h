@@ -21,7 +21,7 @@ class Talker {
     /// Four calls at least.
     void talkOnce();
     std::size_t calls() const { return calls_; }
-    /// Answers that were lost, wrong or another one's.
+    /// Answers that were lost, wrong or another client's.
     std::size_t mistakes() const { return mistakes_; }
 
   private:

@@ -18,5 +18,5 @@
 #define KELM_REQUIRES(...) KELM_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
 /// The operation hands this mutex out.
 #define KELM_RETURN_CAPABILITY(mutex) KELM_THREAD_ANNOTATION(lock_returned(mutex))
-/// Not analysed; a comment says why.
+/// Not analysed; a comment gives the reason.
 #define KELM_NO_ANALYSIS KELM_THREAD_ANNOTATION(no_thread_safety_analysis)

@@ -50,7 +50,7 @@ int initErrorChecking(pthread_mutex_t* native) {
     return result;
 }
 
-// A reader of the report that has stalled holds the printing up, but not the end of the process.
+// A stalled reader of the report delays the printing, not the end of the process.
 void killItselfLater() {
     sigevent event{};
     event.sigev_notify = SIGEV_SIGNAL;

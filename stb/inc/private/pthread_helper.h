@@ -61,7 +61,7 @@ class KELM_SCOPED_CAPABILITY scoped_lock {
 };
 
 /// A condition variable on the wall clock. Waiters hold the mutex that they pass; broadcast() needs
-/// none. Nobody may wait any more when it is destroyed.
+/// none. It must not be destroyed while a thread waits.
 class condition {
   public:
     condition();
@@ -69,7 +69,7 @@ class condition {
     condition(const condition&) = delete;
     condition& operator=(const condition&) = delete;
 
-    /// Returns at the absolute time `deadline`, on a broadcast, or early for no reason at all.
+    /// Returns at the absolute time `deadline`, on a broadcast, or early (a spurious wake-up).
     void waitUntil(mutex& held, const timespec& deadline) KELM_REQUIRES(held);
     void broadcast();
 

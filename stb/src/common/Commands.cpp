@@ -60,7 +60,7 @@ void setSignals(posix_spawnattr_t* attributes) {
         attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 }
 
-/// The shell's process, which leads its own group; kFree when there is none to be had.
+/// The shell's process, which leads its own group; kFree when it cannot be started.
 pid_t spawn(const char* command, int output) {
     posix_spawn_file_actions_t files;
     posix_spawnattr_t attributes;
@@ -77,7 +77,7 @@ pid_t spawn(const char* command, int output) {
     return error == 0 ? pid : kFree;
 }
 
-/// One run of a command, from its start to its end, for which the destructor waits.
+/// One run of a command. The destructor waits for its end.
 class Command {
   public:
     Command(const std::string& text, int output)
@@ -91,7 +91,7 @@ class Command {
         while (waitid(P_PID, static_cast<id_t>(pid_), &ignored, WEXITED | WNOWAIT) < 0 &&
                errno == EINTR) {
         }
-        // Before the number is free for another process, which nobody must kill.
+        // Cleared before the number is free for another process, which must not be killed.
         *group_ = kFree;
         while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
         }

@@ -18,9 +18,9 @@ std::vector<std::string> processPipe(const std::string& command);
 /// Waits for the shell command and ignores its status and output.
 void runCommand(const std::string& command);
 
-/// Kills every running command with all that it has started, and lets no other one start: the
-/// process is about to end without waiting for them. Safe in a signal handler, of a thread that
-/// runs no command itself.
+/// Kills every running command with all that it has started, and lets no other one start, because
+/// the process is about to end without waiting for them. Safe in a signal handler of a thread that
+/// runs no command.
 void killRunningCommands();
 
 }  // namespace TR::Utils

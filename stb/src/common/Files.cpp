@@ -14,7 +14,7 @@ namespace TR::Utils {
 namespace {
 
 constexpr std::int64_t kSmallestRoom = 4096;
-// A file may claim any size: beyond this the text grows as the bytes really come.
+// A file may claim any size; beyond this the text grows with the bytes that are read.
 constexpr std::int64_t kLargestFirstRoom = std::int64_t{1} << 20;
 
 bool hasLines(const std::string& text, unsigned lines) {
@@ -43,7 +43,7 @@ bool removeFile(const std::string& path) {
     return std::remove(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
 }
 
-// A link counts, also one to nothing.
+// A link counts, a dangling one too.
 bool isFree(const std::string& path) {
     struct stat status {};
     return lstat(path.c_str(), &status) != 0 && errno == ENOENT;
@@ -75,7 +75,7 @@ bool setFileContent(const std::string& path, const std::string& content) {
     if (!file.isOpen()) return false;
     const std::string old = readStart(file, kLargestSetting);
     if (file.replace(content)) return true;
-    // The room that the old content had was given up a moment ago.
+    // The old content fits: its room was freed just now.
     isNew ? removeFile(path) : RegularFile(path, RegularFile::Use::Replace).replace(old);
     return false;
 }

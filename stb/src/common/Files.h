@@ -26,8 +26,8 @@ std::vector<std::string> getFileContents(const std::string& path, unsigned maxim
 
 /// Replaces the file's content in place; the empty content deletes the file. True when the file now
 /// holds the content, or is gone. A content above kLargestSetting, which would be read back cut, is
-/// refused. After a failed write (full disk) the file holds what it held before, of that at most
-/// kLargestSetting.
+/// refused. After a failed write (full disk) the file holds its old content again, at most
+/// kLargestSetting of it.
 bool setFileContent(const std::string& path, const std::string& content);
 
 }  // namespace TR::Utils

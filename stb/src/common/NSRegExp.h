@@ -14,8 +14,9 @@ class NSRegExp {
     NSRegExp(const NSRegExp&) = delete;
     NSRegExp& operator=(const NSRegExp&) = delete;
 
-    /// Fills `groups` with the whole match and the captured groups in order, one that took no part
-    /// as an empty text; empties it when there is no match. The text ends at its first NUL byte.
+    /// Fills `groups` with the whole match and the captured groups in order; a group that took no
+    /// part is an empty text. Without a match `groups` is emptied. The text ends at its first NUL
+    /// byte.
     bool match(const std::string& text, std::vector<std::string>& groups) const;
     bool match(const std::string& text) const;
 

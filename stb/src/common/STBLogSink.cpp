@@ -43,7 +43,7 @@ bool canBlock(int descriptor) {
 }
 
 // O_NONBLOCK belongs to the open file description, which other programs share. So a pipe or a
-// terminal is opened again for one write; where that is refused, a look must do.
+// terminal is opened again for one write; where that is refused, poll() is asked first.
 ssize_t writeAtOnce(const std::string& text) {
     const ssize_t sent = send(STDERR_FILENO, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     if (sent >= 0 || errno != ENOTSOCK) return sent;
@@ -56,8 +56,8 @@ ssize_t writeAtOnce(const std::string& text) {
     return written;
 }
 
-// A socket that is connected to the system log is ready as long as the log's queue has room, for
-// which vsyslog() would wait.
+// vsyslog() waits for room in the log's queue. A socket connected to the system log is ready while
+// there is room.
 bool syslogHasRoom() {
     const int probe = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (probe < 0) return true;

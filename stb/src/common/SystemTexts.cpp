@@ -37,8 +37,8 @@ std::vector<LogPart> findParts(const std::string& base, std::size_t most) {
     return parts;
 }
 
-// Returns the bytes really read: the log may have been rotated or truncated since it was measured.
-// A log that was truncated under a writer that goes on at its old place begins with a hole.
+// Returns the bytes read: the log may have been rotated or truncated since it was measured. A log
+// that is truncated while its writer keeps its offset begins with a hole.
 std::size_t readPart(const LogPart& part, char* room) {
     Utils::RegularFile file(part.path);
     if (!file.isOpen()) return 0;

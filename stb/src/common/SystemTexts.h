@@ -10,9 +10,9 @@ namespace TR {
 constexpr std::size_t kLargestLog = std::size_t{64} << 20;
 
 /// Joins the rotated files of one log, <base>.300 down to <base>.0, and then <base> itself into one
-/// NUL-terminated text that the caller frees with free(). Of more than \p most bytes the newest are
-/// taken, and the rest is not read; nor is a hole that a file begins with. Null when no file can be
-/// opened, or short of memory. The text may hold NULs: `length` is its true length.
+/// NUL-terminated text that the caller frees with free(). At most the newest \p most bytes are
+/// read; a hole at the beginning of a file is skipped. Null when no file can be opened or memory is
+/// short. The text may hold NULs: `length` is its true length.
 char* joinLogFiles(const std::string& base, std::size_t& length, std::size_t most = kLargestLog);
 
 /// The system logs joined, oldest first; as joinLogFiles().

@@ -3,7 +3,7 @@
 
 readonly units=/usr/lib/systemd/system
 
-# unit_values UNIT KEY: each on a line of its own, a leading "-" left out.
+# unit_values UNIT KEY: one per line, a leading "-" left out.
 unit_values() { sed -n "s/^$2=-\{0,1\}//p" "$units/$1.service"; }
 
 declare -A unit_pids
@@ -14,7 +14,7 @@ prepare_unit() {
     [[ ! $folder ]] || mkdir -p -m "$(unit_values "$1" RuntimeDirectoryMode)" "/run/$folder"
 }
 
-run_unit() { # run_unit UNIT: becomes the daemon, in an environment of its own
+run_unit() { # run_unit UNIT: becomes the daemon, in the unit's environment
     local line
     while read -r line; do
         export "${line?}"

@@ -64,7 +64,7 @@ TEST(JsonTest, TheReasonNamesTheLine) {
     EXPECT_EQ(errorOf("{\n"), "line 2: unexpected end of data");
 }
 
-TEST(JsonTest, AValueThatIsNoTextIsRefusedByName) {
+TEST(JsonTest, AValueThatIsNotATextIsRefusedByName) {
     EXPECT_EQ(errorOf("{\"a\": 1}"), "the value of \"a\" is not a text");
     EXPECT_EQ(errorOf("{\"a\": null}"), "the value of \"a\" is not a text");
     EXPECT_EQ(errorOf("{\"a\": {\"b\": \"c\"}}"), "the value of \"a\" is not a text");

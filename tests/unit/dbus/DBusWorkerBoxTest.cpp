@@ -214,7 +214,7 @@ TEST_F(DBusWorkerTest, AReplyAbove32MiBIsAnErrorForThatCallAlone) {
     EXPECT_FALSE(worker_->isBusLost());
 }
 
-TEST_F(DBusWorkerTest, BytesThatGrowOnTheirWayOutCountWithTheirGrowth) {
+TEST_F(DBusWorkerTest, RepairedBytesCountWithTheirNewLength) {
     storage_.set(Address("bad"), Value(std::string(kLargestReply / 2, '\xFF')));
     serve(&storage_);
     EXPECT_EQ(client().getValue("bad").errorName, kLimitsExceeded);
@@ -309,7 +309,7 @@ TEST_F(DBusWorkerTest, AReplyThatMemoryDoesNotSufficeForIsAnError) {
     EXPECT_EQ(client().getValue("b").text, "1");
 }
 
-TEST_F(DBusWorkerTest, WithoutMemoryForAnErrorEitherTheBusIsGivenUp) {
+TEST_F(DBusWorkerTest, WithoutMemoryForAnErrorTheConnectionIsClosed) {
     storage_.set(Address("a"), Value(std::string(LibdbusFaults::kUnappendable)));
     serve(&storage_);
     const LibdbusFaults::NoErrors noErrors;
@@ -318,7 +318,7 @@ TEST_F(DBusWorkerTest, WithoutMemoryForAnErrorEitherTheBusIsGivenUp) {
 }
 
 // Two hundred megabytes of replies are more than the bus takes for one client.
-TEST_F(DBusWorkerTest, ABusThatReadsNoMoreDoesNotHoldUpTheStop) {
+TEST_F(DBusWorkerTest, ABusThatStopsReadingDoesNotDelayTheStop) {
     storage_.set(Address("log"), Value(std::string(2U << 20, 'x')));
     serve(&storage_);
     std::vector<TrClient::Pending> calls;

@@ -85,7 +85,7 @@ TEST_F(NotifTableTest, AParameterListedTwiceIsPendingTwice) {
     EXPECT_EQ(changes(), box::notificationRow("a", "new") + box::notificationRow("a", "new"));
 }
 
-TEST_F(NotifTableTest, TheNotificationAttributeIsNotLookedAt) {
+TEST_F(NotifTableTest, TheNotificationAttributeIsIgnored) {
     load(row("a", "0"));
     table_.tryTriggerNotify(updatesOf({"a"}));
     EXPECT_EQ(box::calls("ubus").size(), 1U);

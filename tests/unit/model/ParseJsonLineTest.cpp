@@ -9,7 +9,7 @@ namespace {
 
 using TR::NotifTable;
 
-// Starts with texts of its own, so that a line which leaves one as it was shows.
+// The texts are preset, so that one which the line does not change shows.
 NotifTable::NotifEntry parsed(const std::string& line) {
     NotifTable::NotifEntry entry{"p0", "v0", "n0", "t0"};
     NotifTable::parseJsonLine(line, entry.parameter, entry.value, entry.notification, entry.type);
@@ -46,7 +46,7 @@ TEST(ParseJsonLineTest, TheFirstMissingKeyEndsTheReading) {
     EXPECT_EQ(shown(R"({"parameter":"a","value":"b","type":"c"})"), "a|b|n0|t0");
 }
 
-TEST(ParseJsonLineTest, ValuesThatAreNoStringsAreTakenInTheirJsonForm) {
+TEST(ParseJsonLineTest, ValuesThatAreNotStringsAreTakenInTheirJsonForm) {
     EXPECT_EQ(shown(R"({"parameter":7,"value":true,"notification":1.5,"type":["x"]})"),
               R"(7|true|1.5|[ "x" ])");
 }
@@ -64,13 +64,13 @@ TEST(ParseJsonLineTest, AnEscapedNulStaysInTheText) {
     EXPECT_EQ(parsed(R"({"parameter":"a\u0000b"})").parameter, std::string("a\0b", 3));
 }
 
-TEST(ParseJsonLineTest, WhatIsNoJsonLeavesAllTextsAsTheyWere) {
+TEST(ParseJsonLineTest, InvalidJsonLeavesAllTextsUnchanged) {
     for (const char* line : {"", " ", "{", "}", R"({"parameter")", R"({"parameter":)",
                              R"({"parameter":"half)", "garbage", "{]", "\x01\xff\xfe", "nul"})
         EXPECT_EQ(shown(line), kUntouched) << line;
 }
 
-TEST(ParseJsonLineTest, JsonThatIsNoObjectLeavesAllTextsAsTheyWere) {
+TEST(ParseJsonLineTest, JsonThatIsNotAnObjectLeavesAllTextsUnchanged) {
     for (const char* line :
          {"null", "1", "true", R"("parameter")", R"(["parameter","a"])", "[]", "{}"})
         EXPECT_EQ(shown(line), kUntouched) << line;

@@ -85,7 +85,7 @@ TEST(ValueTest, ValuesThatDifferOnlyInSettingsAreEqual) {
     EXPECT_FALSE(Value(1LL) != other);
 }
 
-TEST(ValueTest, TypeElementsAndLengthTellValuesApart) {
+TEST(ValueTest, ValuesDifferByTypeElementsAndLength) {
     EXPECT_NE(Value(Type::Integer), Value(Type::String));
     EXPECT_NE(Value(1LL), Value(2LL));
     EXPECT_NE(Value(std::string("a")), Value(std::string("b")));
@@ -141,7 +141,7 @@ TEST(ValueTest, ConversionOfAnUndefinedValueKeepsATooLargeNumberAsText) {
     EXPECT_EQ(value.getString(), "12345678901234567890");
 }
 
-TEST(ValueTest, ConversionRefusesWhatIsNoInteger) {
+TEST(ValueTest, ConversionRefusesATextThatIsNotAnInteger) {
     Value value = writable(Value(5LL));
     EXPECT_FALSE(value.setByUserWithConversion("abc"));
     EXPECT_FALSE(value.setByUserWithConversion(""));
@@ -253,7 +253,7 @@ TEST(ValueTest, WithoutDataTheTextIsEmpty) {
     EXPECT_EQ(Value(Type::String, 0).toString(), "");
 }
 
-TEST(ValueTest, AValueThatIsGivenUpPrintsTheSame) {
+TEST(ValueTest, AnExpiringValuePrintsTheSame) {
     Value list(Value::Type::String, 0);
     list.listPushString("one");
     list.listPushString("two");

@@ -36,7 +36,7 @@ TEST(DeviceInfoTextTest, MemoryWithoutAUnitReachesToTheEnd) {
 }
 
 TEST(DeviceInfoTextTest, AMissingMemoryKeyReadsFromTheKeysLengthOn) {
-    // The position of nothing, plus the key's length, is the length less one.
+    // npos plus the key's length is the length less one.
     EXPECT_EQ(DeviceInfo::memoryStatus("0123456789 kB", "MemTotal:"), "89");
 }
 

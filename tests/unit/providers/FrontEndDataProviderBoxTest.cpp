@@ -171,7 +171,7 @@ TEST_F(FrontEndDataProviderTest, OfTwoGroupsTheLastInTextOrderShowsBesideACountO
     EXPECT_FALSE(has("ClientGroup."));
 }
 
-TEST_F(FrontEndDataProviderTest, TcpSocketsAndUnicastSocketsAreNoGroups) {
+TEST_F(FrontEndDataProviderTest, TcpSocketsAndUnicastSocketsAreIgnored) {
     can("netstat",
         "tcp        0      0 239.255.0.9:80          0.0.0.0:*               LISTEN\n"
         "udp        0      0 192.168.1.20:5000       0.0.0.0:*\n");
@@ -191,7 +191,7 @@ TEST_F(FrontEndDataProviderTest, AMappedAddressOfAnIpv6SocketCounts) {
     EXPECT_EQ(text("ClientGroup.1.GroupAddress"), "239.255.0.9");
 }
 
-TEST_F(FrontEndDataProviderTest, AnIpv6SocketThatNetstatNamesSoCountsToo) {
+TEST_F(FrontEndDataProviderTest, ASocketThatNetstatPrintsAsUdp6Counts) {
     can("netstat", "udp6       0      0 ::ffff:239.255.0.9:1234 :::*\n");
     provider_.updateValues();
     EXPECT_EQ(text("ClientGroup.1.GroupAddress"), "239.255.0.9");

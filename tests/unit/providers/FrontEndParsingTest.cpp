@@ -127,7 +127,7 @@ TEST(GroupAddressesTest, TheFirstGroupOfALineCounts) {
               Addresses{"239.0.0.2"});
 }
 
-TEST(GroupAddressesTest, AnAddressWithoutItsFourOctetsIsNone) {
+TEST(GroupAddressesTest, AnAddressWithoutItsFourOctetsIsIgnored) {
     for (const char* broken : {"239.255.0:1234", "239", "239.255.0.:1234", "239,255,0,1:1234"})
         EXPECT_EQ(TR::Igmp::groupAddresses({udp(broken)}), Addresses{}) << broken;
 }

@@ -136,7 +136,7 @@ TEST(AcsWritesBeforeTheFirstPublicationTest, ATextInPlaceOfANumberIsReplaced) {
     EXPECT_EQ(service.value("MainStream.1.Enable"), TR::Value(0LL));
 }
 
-/// The ACS on its own thread. Each time it is asked, it writes once, after an uncertain while.
+/// The ACS on its own thread. Each time it is asked, it writes once, some time later.
 class Acs {
   public:
     explicit Acs(Service& service) : service_(service) {}

@@ -49,19 +49,19 @@ TEST_F(GetSysTest, TheWholeRangeOfTheTypeIsRead) {
     EXPECT_EQ(reading("-2147483648\n"), std::numeric_limits<int>::min());
 }
 
-TEST_F(GetSysTest, ANumberOutOfRangeIsNoReading) {
+TEST_F(GetSysTest, ANumberOutOfRangeGivesNoReading) {
     for (const char* text : {"2147483648", "-2147483649", "4294967295", "99999999999999999999"})
         EXPECT_EQ(reading(text), std::nullopt) << text;
 }
 
-TEST_F(GetSysTest, AFileWithoutANumberIsNoReading) {
+TEST_F(GetSysTest, AFileWithoutANumberGivesNoReading) {
     for (const char* text : {"", "\n", "none\n", "-", "discontinuities 5", "\xff\xfe"})
         EXPECT_EQ(reading(text), std::nullopt) << text;
     EXPECT_EQ(reading(std::string("\0005\n", 3)), std::nullopt);
     EXPECT_EQ(reading(std::string(1 << 20, '9')), std::nullopt);
 }
 
-TEST_F(GetSysTest, AFileThatCannotBeOpenedIsNoReadingAndIsLoggedAsAnError) {
+TEST_F(GetSysTest, AFileThatCannotBeOpenedGivesNoReadingAndLogsAnError) {
     ASSERT_EQ(kLoggerSettings, 0);
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(STBAml::getSys<int>("/nowhere/counter"), std::nullopt);
@@ -69,7 +69,7 @@ TEST_F(GetSysTest, AFileThatCannotBeOpenedIsNoReadingAndIsLoggedAsAnError) {
     EXPECT_NE(log.find("[STBAml:21] Can't open /nowhere/counter\n"), std::string::npos) << log;
 }
 
-TEST_F(GetSysTest, AFolderInItsPlaceIsNoReading) {
+TEST_F(GetSysTest, AFolderInItsPlaceGivesNoReading) {
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(STBAml::getSys<int>("/"), std::nullopt);
     const std::string log = ::testing::internal::GetCapturedStderr();

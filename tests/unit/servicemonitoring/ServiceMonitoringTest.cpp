@@ -59,8 +59,8 @@ class ServiceMonitoringTest : public ::testing::Test {
         }
     }
 
-    /// Does it and expects both report times at the beginning of the unit, whichever of two units
-    /// the clock was in meanwhile.
+    /// Runs the action and expects both report times at the beginning of the unit. The clock may
+    /// enter the next unit meanwhile.
     template <typename Action>
     void expectReportRestarts(TimeUnit unit, Action action) {
         const std::string before = beginning(unit);
@@ -212,7 +212,7 @@ TEST_F(SampleIntervalTest, AnotherIntervalRestartsTheSamplesAndTheSameDoesNot) {
 
 using SampleEnableTest = ServiceMonitoringTest;
 
-TEST_F(SampleEnableTest, RightAfterStartItChangesNothingUntilTheIntervalStands) {
+TEST_F(SampleEnableTest, RightAfterStartItChangesNothingUntilTheIntervalIsSet) {
     EXPECT_EQ(text("SampleInterval"), "0");
     EXPECT_EQ(text("ReportSamples"), "10");
     writeAndCycle("SampleEnable", "1");

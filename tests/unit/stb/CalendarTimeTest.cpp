@@ -32,7 +32,7 @@ TEST(UtilsTimeTest, ATextIsReadAsLocalTime) {
     EXPECT_EQ(getTimestampFromString("2020-01-31 13:00:05", kFormat), kMoment);
 }
 
-TEST(UtilsTimeTest, SummerTimeIsFoundOut) {
+TEST(UtilsTimeTest, SummerTimeIsDetected) {
     const TimeZone zone(kCentralEurope);
     EXPECT_EQ(getTimestampFromString("2020-07-01 14:00:05", kFormat), 1593604805);
 }

@@ -61,7 +61,7 @@ TEST(UtilsCommandTest, ACommandThatCannotBeStartedGivesNothing) {
     EXPECT_EQ(child.out, "[][0]");
 }
 
-TEST(UtilsCommandTest, WhatACommandPrintsElsewhereIsDropped) {
+TEST(UtilsCommandTest, ACommandsOutputNeverReachesOurOwn) {
     const ChildResult child = runInChild([] {
         runCommand("echo x; echo y >&2; exit 3");
         getCmdOutput("cat; echo z >&2");

@@ -199,7 +199,7 @@ TEST_F(UtilsFileTest, SettingTheEmptyContentDeletesTheFile) {
     EXPECT_TRUE(setFileContent(path + "/below", ""));
 }
 
-TEST_F(UtilsFileTest, WhatCannotBeWrittenIsAFailure) {
+TEST_F(UtilsFileTest, AFileThatCannotBeWrittenIsAFailure) {
     EXPECT_FALSE(setFileContent(folder_.path("missing/file"), "x"));
     EXPECT_FALSE(setFileContent(folder_.path(""), "x"));
     EXPECT_FALSE(setFileContent("", "x"));

@@ -42,7 +42,7 @@ TEST(NSRegExpTest, PatternsAreExtended) {
     EXPECT_TRUE(NSRegExp("^(ab){2}$").match("abab"));
 }
 
-TEST(NSRegExpTest, ABrokenPatternIsToldAndNeverMatches) {
+TEST(NSRegExpTest, AnInvalidPatternIsReportedAndNeverMatches) {
     const ChildResult child = runInChild([] {
         const NSRegExp broken("a(b");
         Texts groups{"old"};

@@ -128,7 +128,7 @@ TEST(PthreadHelperTest, AReportReachesAPipeCompletely) {
     EXPECT_EQ(child.out, "buffered before\n" + report("(res == 0) ret=11", 304, &object));
 }
 
-TEST(PthreadHelperTest, AReportThatNobodyReadsEndsTheProcessAllTheSame) {
+TEST(PthreadHelperTest, TheProcessEndsWhenNobodyReadsTheReport) {
     const ChildResult child = runInChild([] {
         int ends[2];
         if (pipe(ends) != 0) return;
@@ -151,7 +151,7 @@ TEST(PthreadHelperTest, UnlockingAMutexThatTheCallerDoesNotHoldIsAccepted) {
     mutex.unlock();
 }
 
-TEST(PthreadHelperTest, AMutexUnlockedByAStrangerStaysLocked) {
+TEST(PthreadHelperTest, AMutexUnlockedByAnotherThreadStaysLocked) {
     pthread_helper::mutex mutex;
     mutex.lock();
     std::thread([&] {

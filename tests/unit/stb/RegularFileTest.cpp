@@ -67,7 +67,7 @@ TEST_F(RegularFileTest, AFileBeyondFourGibibytesIsReadAtItsEnd) {
     EXPECT_STREQ(bytes, "end");
 }
 
-TEST_F(RegularFileTest, WhatIsNotOpenIsNeitherReadNorReplaced) {
+TEST_F(RegularFileTest, AFileThatIsNotOpenIsNeitherReadNorReplaced) {
     char byte = 0;
     EXPECT_EQ(RegularFile(folder_.path("missing")).read(&byte, 1), 0U);
     EXPECT_FALSE(RegularFile(folder_.path(""), RegularFile::Use::Replace).replace("x"));

@@ -14,7 +14,7 @@ TEST(STBLogLineTest, PiecesAreJoined) {
     EXPECT_STREQ(line.text(), "a-1z");
 }
 
-TEST(STBLogLineTest, WhatDoesNotFitIsCutOff) {
+TEST(STBLogLineTest, TextThatDoesNotFitIsCutOff) {
     STBLogLine line;
     const std::string piece(1000, 'x');
     line.append("%s", piece.c_str());

@@ -36,7 +36,7 @@ std::string withoutTimes(std::string text) {
     return text;
 }
 
-// What a process of its own writes to stderr, with the times masked.
+// What a separate process writes to stderr, with the times masked.
 std::string logged(const Environment& environment, const std::function<void()>& body) {
     const ChildResult child = runInChild([&] {
         for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
@@ -98,7 +98,7 @@ TEST(STBLoggerTest, AnEmptyModuleIsTheBaseNameOfTheFile) {
                                    "> TIME ERROR m\n");
 }
 
-TEST(STBLoggerTest, AModuleThatIsGivenStands) {
+TEST(STBLoggerTest, AGivenModuleIsKept) {
     const auto log = [] { logAs(STBLogLevel::Error, "m", "Tuner"); };
     EXPECT_EQ(logged({}, log), greeting("INFO") + "> TIME ERROR [Tuner] m\n");
 }
@@ -349,7 +349,7 @@ class STBLoggerReaderTest : public ::testing::TestWithParam<Stream> {};
 
 }  // namespace
 
-TEST_P(STBLoggerReaderTest, LinesThatAStalledReaderHasNoRoomForAreCounted) {
+TEST_P(STBLoggerReaderTest, LinesThatAStalledReaderBlocksAreCounted) {
     const ChildResult child = runInChild([] {
         const auto [reader, writer] = GetParam().open();
         dup2(writer, STDERR_FILENO);
@@ -369,7 +369,7 @@ TEST_P(STBLoggerReaderTest, LinesThatAStalledReaderHasNoRoomForAreCounted) {
     EXPECT_EQ(child.out, "all");
 }
 
-TEST_P(STBLoggerReaderTest, AReaderThatIsGoneCostsTheLogOnly) {
+TEST_P(STBLoggerReaderTest, AReaderThatIsGoneLosesOnlyTheLog) {
     const ChildResult child = runInChild([] {
         const auto [reader, writer] = GetParam().open();
         dup2(writer, STDERR_FILENO);

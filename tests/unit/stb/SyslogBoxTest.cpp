@@ -50,7 +50,7 @@ void logLine(const char* text) {
 
 }  // namespace
 
-TEST(SyslogBoxTest, AStalledSystemLogCostsLinesButNobodyWaits) {
+TEST(SyslogBoxTest, AStalledSystemLogLosesLinesAndDelaysNobody) {
     const ChildResult child = runInChild([] {
         setenv("KELM_LOG_SYSLOG", "1", 1);
         setenv("KELM_LOG_LEVEL", "ERROR", 1);

@@ -51,13 +51,13 @@ TEST(LeadingNumberTest, ReachesTheEndsOf64Bits) {
     EXPECT_EQ(leadingNumber("-9223372036854775808"), INT64_MIN);
 }
 
-TEST(LeadingNumberTest, OutOfRangeOrWithoutADigitThereIsNone) {
+TEST(LeadingNumberTest, OutOfRangeOrWithoutADigitIsNoNumber) {
     for (const char* text : {"", " ", "dBm", "-", "- 5", "--5", ".5", "9223372036854775808",
                              "-9223372036854775809", "\xff"})
         EXPECT_EQ(leadingNumber(text), std::nullopt) << text;
 }
 
-TEST(LeadingNumberTest, ItsEndIsToldApartFromTheTexts) {
+TEST(LeadingNumberTest, ItsEndIsReported) {
     std::size_t end = 0;
     EXPECT_EQ(TR::Utils::leadingNumber(" -7x", &end), -7);
     EXPECT_EQ(end, 3U);

@@ -113,7 +113,7 @@ TEST_F(CommandsTest, GetPrintsAParameterAnObjectOrAPattern) {
     EXPECT_EQ(output_, "D.A.Mode = auto\nD.A.Rate = 5\nD.Name = box\\x1b\n");
 }
 
-TEST_F(CommandsTest, GetTellsWhatItDidNotFindAndPrintsTheRest) {
+TEST_F(CommandsTest, GetReportsWhatItDidNotFindAndPrintsTheRest) {
     EXPECT_EQ(run("get", {"D.Nope", "D.A.Rate", "x*", "D.A", "D.B."}), kRefused);
     EXPECT_EQ(output_, "D.A.Rate = 5\n");
     EXPECT_EQ(errors_,
@@ -122,7 +122,7 @@ TEST_F(CommandsTest, GetTellsWhatItDidNotFindAndPrintsTheRest) {
               "trctl: there is no D.B.\n");
 }
 
-TEST_F(CommandsTest, AnObjectWithNothingBeneathIsNoFault) {
+TEST_F(CommandsTest, AnObjectWithNothingBeneathIsNotAnError) {
     EXPECT_EQ(run("get", {"D.Empty."}), kDone);
     EXPECT_EQ(output_ + errors_, "");
 }
@@ -146,7 +146,7 @@ TEST_F(CommandsTest, SetPrintsWhatTheParameterReadsAsAfterwards) {
     EXPECT_EQ(errors_, "");
 }
 
-TEST_F(CommandsTest, SetNamesTheReasonWhyItDoesNot) {
+TEST_F(CommandsTest, SetPrintsWhyItDoesNotWrite) {
     EXPECT_EQ(set("D.A.Rate", "6"), kRefused);
     EXPECT_EQ(errors_, "trctl: D.A.Rate is read-only\n");
     EXPECT_EQ(set("D.Nope", "6"), kRefused);
@@ -158,13 +158,13 @@ TEST_F(CommandsTest, SetNamesTheReasonWhyItDoesNot) {
     EXPECT_EQ(daemon_.entries["D.A.Mode"].value, "auto");
 }
 
-TEST_F(CommandsTest, SetTellsOfATextThatDoesNotConvert) {
+TEST_F(CommandsTest, SetReportsATextThatDoesNotConvert) {
     daemon_.onSet = [](auto&, const auto&) { throw client::Refused("Logic error"); };
     EXPECT_EQ(set("D.A.Mode", "x"), kRefused);
     EXPECT_NE(errors_.find("does not take this value: Logic error"), std::string::npos);
 }
 
-TEST_F(CommandsTest, SetTellsOfAValueThatDidNotTake) {
+TEST_F(CommandsTest, SetReportsAValueThatWasNotTaken) {
     daemon_.onSet = [](auto&, const auto&) {};
     EXPECT_EQ(set("D.A.Mode", "x"), kRefused);
     EXPECT_EQ(output_, "D.A.Mode = auto\n");
@@ -249,7 +249,7 @@ TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {
     EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3);
 }
 
-TEST_F(CommandsTest, InfoTellsTheSettings) {
+TEST_F(CommandsTest, InfoPrintsTheSettings) {
     EXPECT_EQ(run("info", {"D.A.Mode", "D.Empty."}), kDone);
     EXPECT_EQ(output_,
               "address        D.A.Mode\nkind           parameter\nvalue          auto\n"
@@ -280,7 +280,7 @@ TEST_F(CommandsTest, ChangesEscapesTheControlCharactersOfAGoodLine) {
     EXPECT_EQ(output_.find('\x1b'), std::string::npos);
 }
 
-TEST_F(CommandsTest, NothingThatIsAskedAddsAnAddress) {
+TEST_F(CommandsTest, NoQueryAddsAnAddress) {
     const auto before = daemon_.addresses();
     const Addresses odd = {"D.Nope", "D.Nope.", "Nope*", "", ".", "D.A", "D.A.Rate.", "[", "\xff"};
     for (const char* command : {"get", "list", "tree", "info", "watch"})

@@ -30,7 +30,7 @@ Parsed parse(const Words& words) {
     return parsed;
 }
 
-TEST(OptionsTest, AWrongCallIsToldAndEndsWithTwo) {
+TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
     for (const Words& words : {Words{},
                                {"nonsense"},
                                {"get"},
@@ -57,7 +57,7 @@ TEST(OptionsTest, AComplaintShowsNoControlCharacters) {
     EXPECT_EQ(parse({"get", "--\x1b[31m"}).errors.find('\x1b'), std::string::npos);
 }
 
-TEST(OptionsTest, HelpHasExamplesAndEndsWithZero) {
+TEST(OptionsTest, HelpHasExamplesAndExits0) {
     for (const char* command :
          {"get", "set", "list", "tree", "info", "watch", "wait", "diff", "changes"}) {
         const Parsed parsed = parse({command, "--help"});

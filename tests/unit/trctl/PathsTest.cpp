@@ -53,7 +53,7 @@ TEST(PathsTest, WithoutPathsEverythingIsFoundInOrder) {
     EXPECT_EQ(select({"b", "a"}, {}).found, (Addresses{"a", "b"}));
 }
 
-TEST(PathsTest, AnObjectCanBeMeantItself) {
+TEST(PathsTest, AnObjectCanBeSelectedItself) {
     EXPECT_EQ(selectThemselves(kListed, {"Device.A."}).found, Addresses{"Device.A."});
     EXPECT_EQ(selectThemselves(kListed, {"Device.B."}).unmatched, Addresses{"Device.B."});
 }

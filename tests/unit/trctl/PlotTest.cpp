@@ -64,7 +64,7 @@ TEST(PlotTest, OlderValuesMoveOutAtTheLeft) {
               (Lines{"1  *", "0 * "}));
 }
 
-TEST(PlotTest, WhatIsNoNumberLeavesAGap) {
+TEST(PlotTest, AValueThatIsNotANumberLeavesAGap) {
     Plot plot;
     plot.add(0);
     plot.add(std::nullopt);
@@ -72,7 +72,7 @@ TEST(PlotTest, WhatIsNoNumberLeavesAGap) {
     EXPECT_EQ(plot.draw(5, 3, Plot::Style::Ascii), (Lines{"2   *", "     ", "0 *  "}));
 }
 
-TEST(PlotTest, NoRoomAndNoValuesAreNoTrouble) {
+TEST(PlotTest, WithoutRoomOrValuesNothingIsDrawn) {
     EXPECT_EQ(Plot().draw(80, 2, Plot::Style::Braille), (Lines{"", ""}));
     EXPECT_TRUE(plotOf({1, 2}).draw(80, 0, Plot::Style::Braille).empty());
     EXPECT_TRUE(plotOf({1, 2}).draw(2, 5, Plot::Style::Ascii).empty());

@@ -29,7 +29,7 @@ TEST(ReportFileTest, WithoutAFileTheNameHoldsTheTime) {
     EXPECT_EQ(words.size(), 1U);
 }
 
-TEST(SnapshotOriginTest, HostAndTimeAreNamedAsFarAsTheyAreThere) {
+TEST(SnapshotOriginTest, HostAndTimeAreNamedWhenTheyAreKnown) {
     EXPECT_EQ(originOf("format 1\ntaken 2026-11-21T19:50:10Z to 2026-11-21T19:50:12Z\nhost stb\n"),
               "Snapshot of stb, taken 2026-11-21T19:50:10Z");
     EXPECT_EQ(originOf("format 1\nhost stb"), "Snapshot of stb");

@@ -21,14 +21,14 @@ TEST(SetOutcomeTest, TheSameNumberWrittenInAnotherWayIsTaken) {
     EXPECT_TRUE(judgeSet("-0", "5", "0").isTaken);
 }
 
-TEST(SetOutcomeTest, ANumberWithSomethingBehindItIsNotWhatWasAskedFor) {
+TEST(SetOutcomeTest, ANumberWithTrailingTextIsNotTaken) {
     EXPECT_FALSE(judgeSet("42abc", "5", "42").isTaken);
     EXPECT_FALSE(judgeSet("42abc", "42", "42").isTaken);
     EXPECT_FALSE(judgeSet("1.5", "0", "1").isTaken);
     EXPECT_TRUE(judgeSet("42abc", "5", "42abc").isTaken);
 }
 
-TEST(SetOutcomeTest, LostWhiteSpaceAtTheEndIsToldButTaken) {
+TEST(SetOutcomeTest, LostTrailingWhiteSpaceIsTakenWithARemark) {
     EXPECT_TRUE(judgeSet("text \n", "old", "text").isTaken);
     EXPECT_NE(judgeSet("text \n", "old", "text").remark, "");
     EXPECT_TRUE(judgeSet("text", "old", "text\n").isTaken);

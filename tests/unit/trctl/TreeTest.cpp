@@ -46,7 +46,7 @@ TEST(TreeTest, NumbersAreInTheOrderOfNumbers) {
               "D.\n|-- 2.\n|-- 10.\n`-- B = \n");
 }
 
-TEST(TreeTest, AParameterAndAnObjectOfOneNameAreTwo) {
+TEST(TreeTest, AParameterAndAnObjectOfOneNameAreBothDrawn) {
     EXPECT_EQ(drawn({{"D.A", "1"}, {"D.A.", ""}, {"D.A.x", "2"}}, ""),
               "D.\n|-- A = 1\n`-- A.\n    `-- x = 2\n");
 }
