@@ -16,9 +16,8 @@ constexpr char kAbout[] =
 
 constexpr char kFooter[] =
     "A PATH is a parameter (Device.DeviceInfo.UpTime), an object with its point for everything\n"
-    "beneath it (Device.IP.), or a shell pattern in quotes ('*.Stats.Bytes*'), in which * also "
-    "takes\n"
-    "points. Control characters are escaped.\n"
+    "beneath it (Device.IP.), or a shell pattern in quotes ('*.Stats.Bytes*'), in which * also\n"
+    "matches points. Control characters are escaped.\n"
     "\n"
     "Exit status: 0; 1 refused, not found or different; 2 a wrong call; 3 no bus or no daemon.\n"
     "\n"
@@ -55,7 +54,7 @@ constexpr char kInfoExamples[] =
     "  trctl info Device.DeviceInfo.UpTime\n"
     "  trctl info 'Device.DeviceInfo.*Version'";
 constexpr char kWatchExamples[] =
-    "Looks again and again until Ctrl-C, as the daemon has no signal for changes.\n"
+    "Reads the parameters at an interval until Ctrl-C, as the daemon has no signal for changes.\n"
     "\n"
     "Examples:\n"
     "  trctl watch\n"
@@ -68,23 +67,22 @@ constexpr char kWaitExamples[] =
     "  trctl wait && trctl tree\n"
     "  trctl wait --timeout 5";
 constexpr char kDiffExamples[] =
-    "FILE holds what `trctl get --json` has printed; - is standard input. Lines with - are the\n"
-    "file's, with + the daemon's. Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
+    "FILE is saved output of `trctl get --json`; - is standard input. Lines with - are the "
+    "file's,\n"
+    "with + the daemon's. Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
     "\n"
     "Examples:\n"
     "  trctl diff saved.json\n"
     "  trctl diff saved.json 'Device.Services.*.Config.*'";
 constexpr char kChangesExamples[] =
-    "The watched parameters that the latest cycle changed, as the CWMP client gets them. It drops "
-    "a\n"
-    "line that is not valid JSON in silence; here such a line is marked, and the status is 1.\n"
+    "Prints the watched parameters that the latest cycle changed, as the CWMP client gets them.\n"
+    "The client drops a line that is not valid JSON; trctl marks it and returns status 1.\n"
     "\n"
     "Examples:\n"
     "  trctl changes";
 constexpr char kReportExamples[] =
-    "The page needs no network and masks passphrases and passwords. FILE ends in .html; - is "
-    "standard\n"
-    "output; without one the name holds the time.\n"
+    "The page needs no network and masks passphrases and passwords. FILE ends in .html; - is\n"
+    "standard output; the default name contains the time.\n"
     "\n"
     "Examples:\n"
     "  trctl report box.html\n"
@@ -132,13 +130,13 @@ void addWriting(CLI::App& app, Options& options) {
 
 void addWaiting(CLI::App& app, Options& options) {
     CLI::App* watch = add(app, "watch", "Print changes as they happen", kWatchExamples);
-    addPaths(watch, options, "What to look at; all of it otherwise");
-    watch->add_option("--interval", options.intervalSeconds, "Seconds between two looks")
+    addPaths(watch, options, "What to watch; all of it otherwise");
+    watch->add_option("--interval", options.intervalSeconds, "Seconds between two reads")
         ->check(CLI::Range(0.05, 86'400.0))
         ->type_name("SECONDS")
         ->capture_default_str();
     watch->add_flag("--plot", options.plot,
-                    "Draw one numeric parameter as a moving line; wants a terminal");
+                    "Draw one numeric parameter as a moving line; needs a terminal");
     watch->add_flag("--ascii", options.ascii, "Draw with ASCII in a UTF-8 locale too");
 
     CLI::App* wait = add(app, "wait", "Wait for the end of the first cycle", kWaitExamples);
@@ -157,9 +155,9 @@ void addComparing(CLI::App& app, Options& options) {
 }
 
 void addReport(CLI::App& app, Options& options) {
-    CLI::App* report = add(app, "report", "Write one HTML page to look at", kReportExamples);
+    CLI::App* report = add(app, "report", "Write one HTML page of the box", kReportExamples);
     report
-        ->add_option("FILE PATH", options.paths, "The page, and what is in it; all of it otherwise")
+        ->add_option("FILE PATH", options.paths, "The page, and what to show; all of it otherwise")
         ->type_name("");
     CLI::Option* seconds =
         report->add_option("--seconds", options.watchSeconds, "How long to watch for changes")

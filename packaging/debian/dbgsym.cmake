@@ -1,5 +1,5 @@
-# Run by cpack behind everything: in a package of debug symbols cpack lists its files by the paths of this machine, and
-# leaves out the documents, which are those of the package that it belongs to.
+# cpack runs this last. In a package of debug symbols cpack lists the files with this machine's paths, and leaves out the
+# link to the documents of the main package.
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
   if(NOT package MATCHES "([^/]+)-dbgsym_[^/]*\\.ddeb$")
     continue()

@@ -1,4 +1,4 @@
-# Run by cpack when everything is collected: adds what Debian wants to find beside a program, and compresses it.
+# cpack runs this when everything is collected. Adds the documents that Debian requires, and compresses them.
 set(documents ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share/doc/${CPACK_DEBIAN_PACKAGE_NAME})
 set(debian ${CPACK_KELM_SOURCE}/packaging/debian)
 set(KELM_DEB_VERSION ${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
