@@ -5,6 +5,7 @@
 #include "stb/src/common/STBLoggerContainer.h"
 
 #include <cstdlib>
+#include <new>
 #include <sstream>
 
 #include <pthread.h>
@@ -62,10 +63,14 @@ const STBLoggerLogParams& kelmLogParams() {
 
 void STBLogger_log(const STBLoggerLogParams& params, const char* module, STBLogLevel level,
                    int line, const char* file, const char* format, ...) {
-    const STBLogger& logger = STBLoggerContainer::instance().loggerFor(params);
     va_list arguments;
     va_start(arguments, format);
-    logger.log(module, level, line, file, format, arguments);
+    try {
+        const STBLogger& logger = STBLoggerContainer::instance().loggerFor(params);
+        logger.log(module, level, line, file, format, arguments);
+    } catch (const std::bad_alloc&) {
+        // A thread that reports its end for want of memory must not end the process instead.
+    }
     va_end(arguments);
 }
 
