@@ -476,7 +476,8 @@ TEST_F(CwmpTest, PeopleSeeWhatTheAcsWouldGet) {
 class CwmpFullDiskTest : public CwmpTest {
   protected:
     void SetUp() override {
-        ASSERT_EQ(std::system("mount -t tmpfs -o size=4m tmpfs /tmp"), 0);
+        // The box's own, as a clone of the repository may lie below it.
+        ASSERT_EQ(std::system("mount -o remount,size=4m /tmp"), 0);
         start();
     }
 };
@@ -494,8 +495,8 @@ TEST_F(CwmpFullDiskTest, AFullDiskOrAKilledBackEndLeavesTheOldFile) {
         box::setFault("uci", "hang");
         CwmpClient client;
         client.answers();
-        client.send(kCheck[0] + "\n");
         box::clearCalls("uci");
+        client.send(kCheck[0] + "\n");
         ASSERT_TRUE(box::waitUntil([] { return !box::calls("uci").empty(); }));
     }
     EXPECT_EQ(box::readFile(kFile), before);
