@@ -175,8 +175,16 @@ TEST_F(SessionTest, AnIdentityThatIsNotCompleteIsWaitedFor) {
     for (const char* name : {"Manufacturer", "ManufacturerOUI", "ProductClass"})
         life_.daemon.entries[std::string("Device.DeviceInfo.") + name].value = "x\x01";
     life_.daemon.entries["Device.DeviceInfo.SerialNumber"].value = "";
+    // Pauses of a fifth of a second, two minutes of them.
+    life_.patience = 600;
     EXPECT_EQ(answers({R"({"command":"inform","class":"device_id"})"}), Lines{"easycwmp>"});
     EXPECT_LT(life_.patience, 0);
+    const std::string log = testing::internal::GetCapturedStderr();
+    testing::internal::CaptureStderr();  // for the fixture
+    std::size_t lines = 0;
+    for (std::size_t at = 0; (at = log.find("no device id", at)) != std::string::npos; ++at)
+        ++lines;
+    EXPECT_EQ(lines, 3U) << "at the start and after each minute\n" << log;
 }
 
 TEST_F(SessionTest, AttributesAreStoredAsListsWithoutAReload) {
