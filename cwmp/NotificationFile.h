@@ -12,7 +12,7 @@ class NotificationFile {
     explicit NotificationFile(std::string path = "/tmp/.easycwmp_notif_param_value")
         : path_(std::move(path)) {}
 
-    /// Empty where there is none, and where it is larger than the daemon would read.
+    /// Empty without a file, and for one larger than the daemon would read.
     std::string read() const;
     /// Writes the new file beside the old one. False, and nothing has changed, when that fails.
     bool writeBeside(const std::string& text) const;

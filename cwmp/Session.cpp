@@ -188,7 +188,7 @@ bool Session::answerDeviceId() {
     return true;
 }
 
-// Without an answer the client would never send an Inform, so there is no end to the patience.
+// Without an answer the client would never send an Inform, so this waits without a limit.
 void Session::informDeviceId() {
     for (int pauses = 0; !isOver_; ++pauses) {
         std::string reason = "the daemon does not know it yet";

@@ -80,7 +80,7 @@ int hexDigit(char letter) {
     return -1;
 }
 
-// Reads the escape behind a backslash; the number of its characters, 0 when it is none.
+// Reads the escape behind a backslash; the number of its characters, 0 for anything else.
 std::size_t readEscape(std::string_view text, char& byte) {
     constexpr std::string_view kHexStart = "u00";
     if (text.empty()) return 0;

@@ -17,7 +17,7 @@ struct Run {
 };
 
 /// Starts the program, writes \p input, reads up to \p lastLine (to the end of the file when that
-/// is empty) and lets it end. Without children of its own, and measured before it ends.
+/// is empty) and lets it end. It has no children, and is measured before it ends.
 Run measure(const std::vector<std::string>& command, const std::string& input,
             const std::string& lastLine, pid_t daemon);
 

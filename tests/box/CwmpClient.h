@@ -28,7 +28,7 @@ class CwmpClient {
     /// The lines up to the next prompt; nothing when the program ends or is silent instead.
     std::optional<Lines> answers(std::chrono::milliseconds deadline = std::chrono::seconds(60));
     /// The commands and the end of their group; the answers, each held against the rules of what
-    /// the client can read. Fails the test where there are none.
+    /// the client can read. Fails the test without one.
     Lines ask(const Lines& commands);
     /// Takes the exit status of a program that was told to end or has lost its input.
     std::optional<ExitStatus> exit();

@@ -18,8 +18,9 @@ struct STBLoggerLogParams {
 /// The record under which the daemon's own code logs.
 const STBLoggerLogParams& kelmLogParams();
 
-/// Logs one message, on any thread; one that there is no memory for is dropped. The application's
-/// logger is made on first use. An empty module stands for the base name of the source file.
+/// Logs one message, on any thread; one that memory does not suffice for is dropped. The
+/// application's logger is made on first use. An empty module stands for the base name of the
+/// source file.
 void STBLogger_log(const STBLoggerLogParams& params, const char* module, STBLogLevel level,
                    int line, const char* file, const char* format, ...)
     __attribute__((format(printf, 6, 7)));
