@@ -1,14 +1,12 @@
 #include "stb/src/common/STBThread.h"
 
+#include "stb/src/common/NSTime.h"
 #include "stb/src/common/STBLogger.h"
 
-#include <cstdint>
 #include <exception>
-#include <utility>
 
 #include <sys/resource.h>
 #include <sys/syscall.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 namespace {
@@ -20,24 +18,15 @@ constexpr int kNiceNormal = 0;
 constexpr int kNiceHigh = -5;
 
 int niceValue(STBThread::Priority priority) {
-    switch (priority) {
-        case STBThread::Priority::Low:
-            return kNiceLow;
-        case STBThread::Priority::High:
-            return kNiceHigh;
-        default:
-            return kNiceNormal;
-    }
+    if (priority == STBThread::Priority::Low) return kNiceLow;
+    return priority == STBThread::Priority::High ? kNiceHigh : kNiceNormal;
 }
 
 timespec wallClockAfterMs(unsigned ms) {
-    constexpr std::int64_t kMicrosPerSecond = 1000000;
-    timeval now{};
-    gettimeofday(&now, nullptr);
-    const std::int64_t micros = now.tv_usec + std::int64_t{ms} * 1000;
+    const timeval end = (NSTime::now() + std::int64_t{ms} * 1000).getTimeVal();
     timespec deadline{};
-    deadline.tv_sec = now.tv_sec + static_cast<time_t>(micros / kMicrosPerSecond);
-    deadline.tv_nsec = static_cast<decltype(deadline.tv_nsec)>(micros % kMicrosPerSecond * 1000);
+    deadline.tv_sec = end.tv_sec;
+    deadline.tv_nsec = static_cast<decltype(deadline.tv_nsec)>(end.tv_usec * 1000);
     return deadline;
 }
 
@@ -58,32 +47,23 @@ void STBThread::start(OnThreadCompletedListener* listener) {
     }
     running_ = true;
     completed_ = false;
-    launch();
-}
-
-void STBThread::launch() {
-    auto record = std::make_unique<pthread_helper::thread<STBThread>>(this, &STBThread::thread);
-    record->create();
-    record_ = std::move(record);
+    record_ = std::make_unique<pthread_helper::thread<STBThread>>(this, &STBThread::thread);
+    record_->create();
 }
 
 void STBThread::stop() {
-    const pthread_helper::scoped_lock control(controlMutex_);
-    const pthread_helper::scoped_lock sleep(sleepMutex_);
-    sleepCondition_.broadcast();
-    if (!isRunning()) {
+    if (!shutdown())
         STBLogger_log(kelmLogParams(), "", STBLogLevel::Error, __LINE__, kSource,
                       "Thread %p already stopped", static_cast<void*>(this));
-        return;
-    }
-    joinRunning();
 }
 
-void STBThread::shutdown() {
+bool STBThread::shutdown() {
     const pthread_helper::scoped_lock control(controlMutex_);
     const pthread_helper::scoped_lock sleep(sleepMutex_);
     sleepCondition_.broadcast();
-    if (isRunning()) joinRunning();
+    if (!isRunning()) return false;
+    joinRunning();
+    return true;
 }
 
 // The thread needs the sleep mutex to leave its sleep, so it is given back before the join, and the

@@ -28,10 +28,7 @@ class STBThread {
 
     using UniqueThreadPtr = std::unique_ptr<pthread_helper::thread<STBThread>>;
 
-    STBThread() = default;
     virtual ~STBThread();
-    STBThread(const STBThread&) = delete;
-    STBThread& operator=(const STBThread&) = delete;
 
     /// The thread's body. An exception that leaves it is logged and ends this thread only;
     /// pthread_exit() and pthread_cancel() would end the process.
@@ -66,11 +63,10 @@ class STBThread {
     void thread();
 
   protected:
-    /// stop() without a log line when the thread is not running; may be called repeatedly.
-    void shutdown();
+    /// stop() without a log line; false when the thread is not running. May be called repeatedly.
+    bool shutdown();
 
   private:
-    void launch() KELM_REQUIRES(controlMutex_, sleepMutex_);
     void joinRunning() KELM_REQUIRES(controlMutex_, sleepMutex_);
     void runGuarded();
 
