@@ -7,12 +7,6 @@
 
 namespace {
 
-constexpr std::int64_t kMillisecond = 1000;
-constexpr std::int64_t kSecond = 1000 * kMillisecond;
-constexpr std::int64_t kMinute = 60 * kSecond;
-constexpr std::int64_t kHour = 60 * kMinute;
-constexpr std::int64_t kDay = 24 * kHour;
-
 struct IntervalPart {
     std::int64_t unit;
     const char* singular;
@@ -20,8 +14,9 @@ struct IntervalPart {
 };
 
 constexpr IntervalPart kIntervalParts[] = {
-    {kDay, "day", "days"},          {kHour, "hour", "hours"},   {kMinute, "minute", "minutes"},
-    {kSecond, "second", "seconds"}, {kMillisecond, "ms", "ms"},
+    {NSTime::kDay, "day", "days"},          {NSTime::kHour, "hour", "hours"},
+    {NSTime::kMinute, "minute", "minutes"}, {NSTime::kSecond, "second", "seconds"},
+    {NSTime::kMillisecond, "ms", "ms"},
 };
 
 // 0 when the text does not fit the buffer, whose content is then undefined.
@@ -57,36 +52,6 @@ NSTime NSTime::nowRelative() {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
     return {std::int64_t{time.tv_sec} * kSecond + std::int64_t{time.tv_nsec} / 1000};
-}
-
-NSTime& NSTime::operator+=(long long microseconds) {
-    microseconds_ += microseconds;
-    return *this;
-}
-
-NSTime& NSTime::operator-=(long long microseconds) {
-    microseconds_ -= microseconds;
-    return *this;
-}
-
-void NSTime::addDays(int days) {
-    microseconds_ += days * kDay;
-}
-
-void NSTime::addHours(int hours) {
-    microseconds_ += hours * kHour;
-}
-
-void NSTime::addMinutes(int minutes) {
-    microseconds_ += minutes * kMinute;
-}
-
-void NSTime::addSeconds(int seconds) {
-    microseconds_ += seconds * kSecond;
-}
-
-time_t NSTime::toTimeT() const {
-    return static_cast<time_t>(microseconds_ / kSecond);
 }
 
 timeval NSTime::getTimeVal() const {
@@ -130,20 +95,4 @@ std::string NSTime::printInterval() const {
     }
     // Microseconds matter only in a value that has nothing bigger.
     return text.empty() ? std::to_string(microseconds_) + "us" : text;
-}
-
-NSTime operator+(const NSTime& time, long long microseconds) {
-    return {time.toInt64() + microseconds};
-}
-
-NSTime operator-(const NSTime& time, long long microseconds) {
-    return {time.toInt64() - microseconds};
-}
-
-NSTime operator+(const NSTime& a, const NSTime& b) {
-    return {a.toInt64() + b.toInt64()};
-}
-
-NSTime operator-(const NSTime& a, const NSTime& b) {
-    return {a.toInt64() - b.toInt64()};
 }

@@ -11,26 +11,30 @@
 /// reentrant.
 class NSTime {
   public:
+    static constexpr std::int64_t kMillisecond = 1000;
+    static constexpr std::int64_t kSecond = 1000 * kMillisecond;
+    static constexpr std::int64_t kMinute = 60 * kSecond;
+    static constexpr std::int64_t kHour = 60 * kMinute;
+    static constexpr std::int64_t kDay = 24 * kHour;
+
     NSTime() = default;
     /// Implicit on purpose: durations are written as plain microseconds everywhere.
     NSTime(long long microseconds) : microseconds_(microseconds) {}
-    NSTime(const NSTime&) = default;
-    NSTime& operator=(const NSTime&) = default;
     NSTime& operator=(const timeval& time);
 
     static NSTime now();
     static NSTime nowRelative();
 
-    NSTime& operator+=(long long microseconds);
-    NSTime& operator-=(long long microseconds);
+    NSTime& operator+=(long long microseconds) { return *this = *this + microseconds; }
+    NSTime& operator-=(long long microseconds) { return *this = *this - microseconds; }
 
-    void addDays(int days);
-    void addHours(int hours);
-    void addMinutes(int minutes);
-    void addSeconds(int seconds);
+    void addDays(int days) { microseconds_ += days * kDay; }
+    void addHours(int hours) { microseconds_ += hours * kHour; }
+    void addMinutes(int minutes) { microseconds_ += minutes * kMinute; }
+    void addSeconds(int seconds) { microseconds_ += seconds * kSecond; }
 
     /// Whole seconds, truncated towards zero.
-    time_t toTimeT() const;
+    time_t toTimeT() const { return static_cast<time_t>(microseconds_ / kSecond); }
     std::int64_t toInt64() const { return microseconds_; }
     /// Both parts truncated towards zero: a negative time has negative microseconds.
     timeval getTimeVal() const;
@@ -42,30 +46,18 @@ class NSTime {
     /// The value as a duration: 1day, 2hours, 3minutes, 4seconds, 5ms.
     std::string printInterval() const;
 
+    friend bool operator>(const NSTime& a, const NSTime& b) { return b < a; }
+    friend bool operator>=(const NSTime& a, const NSTime& b) { return !(a < b); }
+    friend bool operator<(const NSTime& a, const NSTime& b) { return a.toInt64() < b.toInt64(); }
+    friend bool operator<=(const NSTime& a, const NSTime& b) { return !(b < a); }
+    friend bool operator==(const NSTime& a, const NSTime& b) { return a.toInt64() == b.toInt64(); }
+    friend bool operator!=(const NSTime& a, const NSTime& b) { return !(a == b); }
+
+    friend NSTime operator+(const NSTime& a, long long b) { return a.toInt64() + b; }
+    friend NSTime operator-(const NSTime& a, long long b) { return a.toInt64() - b; }
+    friend NSTime operator+(const NSTime& a, const NSTime& b) { return a + b.toInt64(); }
+    friend NSTime operator-(const NSTime& a, const NSTime& b) { return a - b.toInt64(); }
+
   private:
     std::int64_t microseconds_ = 0;
 };
-
-inline bool operator>(const NSTime& a, const NSTime& b) {
-    return a.toInt64() > b.toInt64();
-}
-inline bool operator>=(const NSTime& a, const NSTime& b) {
-    return a.toInt64() >= b.toInt64();
-}
-inline bool operator<(const NSTime& a, const NSTime& b) {
-    return a.toInt64() < b.toInt64();
-}
-inline bool operator<=(const NSTime& a, const NSTime& b) {
-    return a.toInt64() <= b.toInt64();
-}
-inline bool operator==(const NSTime& a, const NSTime& b) {
-    return a.toInt64() == b.toInt64();
-}
-inline bool operator!=(const NSTime& a, const NSTime& b) {
-    return a.toInt64() != b.toInt64();
-}
-
-NSTime operator+(const NSTime& time, long long microseconds);
-NSTime operator-(const NSTime& time, long long microseconds);
-NSTime operator+(const NSTime& a, const NSTime& b);
-NSTime operator-(const NSTime& a, const NSTime& b);
