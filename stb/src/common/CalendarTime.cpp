@@ -36,19 +36,11 @@ timeval getBeginningTimeval(const NSTime& time, TimeUnit unit) {
     const time_t seconds = time.toTimeT();
     tm parts{};
     gmtime_r(&seconds, &parts);
-    switch (unit) {
-        case TimeUnit::Day:
-            parts.tm_hour = 0;
-            [[fallthrough]];
-        case TimeUnit::Hour:
-            parts.tm_min = 0;
-            [[fallthrough]];
-        case TimeUnit::Minute:
-            parts.tm_sec = 0;
-            break;
-        default:
-            break;
-    }
+    const bool isDay = unit == TimeUnit::Day;
+    const bool isHour = unit == TimeUnit::Hour;
+    if (isDay) parts.tm_hour = 0;
+    if (isDay || isHour) parts.tm_min = 0;
+    if (isDay || isHour || unit == TimeUnit::Minute) parts.tm_sec = 0;
     timeval result{};
     result.tv_sec = mktime(&parts);
     return result;

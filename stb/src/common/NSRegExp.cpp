@@ -31,10 +31,8 @@ void NSRegExp::compile() {
 
 void NSRegExp::free() {
     // After a failed regcomp() the content of the expression is undefined.
-    if (compiled_) {
-        regfree(&expression_);
-        compiled_ = false;
-    }
+    if (compiled_) regfree(&expression_);
+    compiled_ = false;
 }
 
 bool NSRegExp::match(const std::string& text, std::vector<std::string>& groups) const {

@@ -1,10 +1,9 @@
 #include "stb/src/common/STBLogLine.h"
 
+#include "stb/src/common/NSTime.h"
+
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
-
-#include <sys/time.h>
 
 void STBLogLine::append(const char* format, ...) {
     va_list arguments;
@@ -22,14 +21,9 @@ void STBLogLine::append(const char* format, va_list arguments) {
 }
 
 void STBLogLine::appendTimeOfDay() {
-    timeval now{};
-    gettimeofday(&now, nullptr);
-    const time_t seconds = now.tv_sec;
-    tm local{};
-    localtime_r(&seconds, &local);
-    char clock[16] = "";
-    std::strftime(clock, sizeof clock, "%H:%M:%S", &local);
-    append("%s.%03d ", clock, static_cast<int>(now.tv_usec / 1000));
+    const NSTime now = NSTime::now();
+    const auto milliseconds = static_cast<int>(now.getTimeVal().tv_usec / 1000);
+    append("%s.%03d ", now.toString("%H:%M:%S").c_str(), milliseconds);
 }
 
 void STBLogLine::dropTrailingLineFeed() {

@@ -78,8 +78,11 @@ STBLogger::STBLogger(STBLoggerLogParams* params)
     : application_(textOrEmpty(params->application)), prefix_(textOrEmpty(params->prefix)) {
     readSyslogMode();
     readLevel();
-    readConsoleSwitches();
-    readModuleLevels();
+    lineNumbers_ = isSwitchedOn(application_, "_LOG_LINENUM");
+    threadId_ = isSwitchedOn(application_, "_LOG_THREAD_ID");
+    colours_ = isSwitchedOn(application_, "_LOG_USE_COLORS");
+    for (const ModuleVariable& row : kModuleVariables)
+        setModulesSTBLogLevel(textOrEmpty(variable(application_, row.suffix)), row.level);
     logOwn(STBLogLevel::Info, __LINE__,
            "Logger for application \"%s\" was successfully initialized (level:%s)",
            application_.c_str(), stb_log_level::rowOf(level_).name);
@@ -101,17 +104,6 @@ void STBLogger::readLevel() {
         logOwn(STBLogLevel::Error, kUnknownLevelLine, "Unknown log level: '%s', setting to '%s'",
                wanted, stb_log_level::rowOf(level_).name);
     }
-}
-
-void STBLogger::readConsoleSwitches() {
-    lineNumbers_ = isSwitchedOn(application_, "_LOG_LINENUM");
-    threadId_ = isSwitchedOn(application_, "_LOG_THREAD_ID");
-    colours_ = isSwitchedOn(application_, "_LOG_USE_COLORS");
-}
-
-void STBLogger::readModuleLevels() {
-    for (const ModuleVariable& row : kModuleVariables)
-        setModulesSTBLogLevel(textOrEmpty(variable(application_, row.suffix)), row.level);
 }
 
 void STBLogger::setModulesSTBLogLevel(const std::string& modules, STBLogLevel level) {

@@ -52,8 +52,6 @@ class STBLogger {
   private:
     void readSyslogMode();
     void readLevel();
-    void readConsoleSwitches();
-    void readModuleLevels();
 
     bool accepts(const std::string& module, STBLogLevel level) const;
     void logOwn(STBLogLevel level, int line, const char* format, ...) const

@@ -14,9 +14,6 @@ class STBLoggerContainer {
   public:
     static STBLoggerContainer& instance();
 
-    STBLoggerContainer(const STBLoggerContainer&) = delete;
-    STBLoggerContainer& operator=(const STBLoggerContainer&) = delete;
-
     const STBLogger& loggerFor(const STBLoggerLogParams& params);
 
   private:

@@ -30,16 +30,14 @@ std::string trim(std::string text) {
     return text;
 }
 
-std::string toLowerString(const std::string& text) {
-    std::string result = text;
-    toLower(result);
-    return result;
+std::string toLowerString(std::string text) {
+    toLower(text);
+    return text;
 }
 
-std::string toUpperString(const std::string& text) {
-    std::string result = text;
-    toUpper(result);
-    return result;
+std::string toUpperString(std::string text) {
+    toUpper(text);
+    return text;
 }
 
 void toLower(std::string& text) {
@@ -55,9 +53,7 @@ void toUpper(std::string& text) {
 std::optional<std::int64_t> leadingNumber(const std::string& text, std::size_t* end) {
     try {
         return std::stoll(text, end, 10);
-    } catch (const std::invalid_argument&) {
-        return std::nullopt;
-    } catch (const std::out_of_range&) {
+    } catch (const std::logic_error&) {  // no digit, or out of range
         return std::nullopt;
     }
 }
@@ -83,14 +79,11 @@ std::string format(const char* text, ...) {
     va_copy(again, arguments);
     const int length = std::vsnprintf(buffer, sizeof buffer, text, arguments);
     va_end(arguments);
-    std::string result;
-    if (length >= 0 && static_cast<std::size_t>(length) < sizeof buffer) {
-        result.assign(buffer, static_cast<std::size_t>(length));
-    } else if (length >= 0) {
-        result.resize(static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(result.data(), result.size(), text, again);
-        result.resize(static_cast<std::size_t>(length));
-    }
+    std::string result(static_cast<std::size_t>(std::max(length, 0)), '\0');
+    if (result.size() < sizeof buffer)
+        std::copy_n(buffer, result.size(), result.begin());
+    else
+        std::vsnprintf(result.data(), result.size() + 1, text, again);
     va_end(again);
     return result;
 }

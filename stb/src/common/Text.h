@@ -13,8 +13,8 @@ namespace TR::Utils {
 std::string trimRight(std::string text);
 std::string trim(std::string text);
 
-std::string toLowerString(const std::string& text);
-std::string toUpperString(const std::string& text);
+std::string toLowerString(std::string text);
+std::string toUpperString(std::string text);
 void toLower(std::string& text);
 void toUpper(std::string& text);
 
