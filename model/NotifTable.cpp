@@ -32,13 +32,6 @@ std::string jsonText(json_object* member) {
     return {text, static_cast<std::size_t>(json_object_get_string_len(member))};
 }
 
-bool readMember(json_object* object, const char* key, std::string& text) {
-    json_object* member = nullptr;
-    if (json_object_object_get_ex(object, key, &member) == 0) return false;
-    text = jsonText(member);
-    return true;
-}
-
 }  // namespace
 
 void NotifTable::update() {
@@ -61,8 +54,11 @@ void NotifTable::parseJsonLine(const std::string& line, std::string& parameter, 
                                                             {"value", &value},
                                                             {"notification", &notification},
                                                             {"type", &type}};
-    for (const auto& [key, text] : members)
-        if (!readMember(object.get(), key, *text)) return;
+    for (const auto& [key, text] : members) {
+        json_object* member = nullptr;
+        if (json_object_object_get_ex(object.get(), key, &member) == 0) return;
+        *text = jsonText(member);
+    }
 }
 
 std::string NotifTable::checkValueChange() const {

@@ -25,10 +25,6 @@ class NotifTable {
         std::string type;  ///< may be empty
     };
 
-    NotifTable() = default;
-    NotifTable(const NotifTable&) = delete;
-    NotifTable& operator=(const NotifTable&) = delete;
-
     pthread_helper::mutex& getMutex() const KELM_RETURN_CAPABILITY(mutex_) { return mutex_; }
 
     /// Reloads the table from the client's file. The caller holds the mutex.

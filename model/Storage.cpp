@@ -32,10 +32,6 @@ bool Storage::hasAddress(const Address& address) const {
     return values_.find(address) != values_.end();
 }
 
-Value& Storage::operator[](const Address& address) {
-    return values_[address];
-}
-
 bool Storage::remove(const Address& address) {
     return values_.erase(address) > 0;
 }

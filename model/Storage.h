@@ -17,10 +17,6 @@ namespace TR {
 /// only providers call `set`).
 class Storage {
   public:
-    Storage() = default;
-    Storage(const Storage&) = delete;
-    Storage& operator=(const Storage&) = delete;
-
     /// Replaces the value at the address whole, settings included. True when this was recorded as a
     /// change: the entry had a type before and its type or elements differ. The first fill is never
     /// a change.
@@ -35,7 +31,7 @@ class Storage {
     /// The stored value; an unknown address gets an `Undefined` entry. The reference lives until
     /// the entry is removed.
     /// Clang does not follow the object of an operator, so this lock alone is not checked.
-    Value& operator[](const Address& address) KELM_NO_ANALYSIS;
+    Value& operator[](const Address& address) KELM_NO_ANALYSIS { return values_[address]; }
 
     /// Erases exactly this entry, not its children, not its recorded change. False when it is
     /// unknown.

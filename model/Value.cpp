@@ -6,8 +6,6 @@
 
 namespace TR {
 
-Value::Value() : Value(Type::Undefined) {}
-
 Value::Value(long long number) : Value(Type::Integer) {
     elements_.front().integer = number;
 }
@@ -18,14 +16,6 @@ Value::Value(const std::string& text) : Value(Type::String) {
 
 Value::Value(std::string&& text) : Value(Type::String) {
     elements_.front().text = std::move(text);
-}
-
-Value::Value(Type type) : Value(type, 1) {}
-
-Value::Value(Type type, unsigned count) : type_(type), elements_(count) {}
-
-Value Value::Object() {
-    return Value(Type::Object);
 }
 
 std::int64_t Value::getInt64() const {
@@ -41,27 +31,20 @@ Value::ValueHolder& Value::firstElement() {
     return elements_.front();
 }
 
+// A push that settles the type fills the first element.
+Value::ValueHolder& Value::pushedElement(Type type) {
+    return std::exchange(type_, type) == type ? elements_.emplace_back() : firstElement();
+}
+
 bool Value::listPushInteger(long long number) {
     if (type_ == Type::String) return false;
-    if (type_ == Type::Integer) {
-        elements_.emplace_back();
-        elements_.back().integer = number;
-        return true;
-    }
-    firstElement().integer = number;
-    type_ = Type::Integer;
+    pushedElement(Type::Integer).integer = number;
     return true;
 }
 
 bool Value::listPushString(const std::string& text) {
     if (type_ == Type::Integer) return false;
-    if (type_ == Type::String) {
-        elements_.emplace_back();
-        elements_.back().text = text;
-        return true;
-    }
-    firstElement().text = text;
-    type_ = Type::String;
+    pushedElement(Type::String).text = text;
     return true;
 }
 
@@ -85,19 +68,10 @@ bool Value::setByUser(const std::string& text) {
 
 bool Value::setByUserWithConversion(const std::string& text) {
     if (!mutableByUser_) return false;
-    if (type_ == Type::String) {
-        firstElement().text = text;
-        return true;
-    }
-    if (const auto number = Utils::leadingNumber(text)) {
-        firstElement().integer = *number;
-        type_ = Type::Integer;
-        return true;
-    }
-    if (type_ == Type::Integer) return false;
-    firstElement().text = text;
-    type_ = Type::String;
-    return true;
+    const auto number = type_ == Type::String ? std::nullopt : Utils::leadingNumber(text);
+    if (!number && type_ == Type::Integer) return false;
+    type_ = number ? Type::Integer : Type::String;
+    return number ? setByUser(*number) : setByUser(text);
 }
 
 bool Value::operator==(const Value& other) const {

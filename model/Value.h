@@ -29,15 +29,15 @@ class Value {
         bool operator!=(const ValueHolder& other) const { return !(*this == other); }
     };
 
-    Value();
+    Value() : Value(Type::Undefined) {}
     explicit Value(long long number);
     explicit Value(const std::string& text);
     explicit Value(std::string&& text);
-    explicit Value(Type type);
+    explicit Value(Type type) : Value(type, 1) {}
     /// \p count default elements; 0 makes an empty list, to be filled with the push operations.
-    Value(Type type, unsigned count);
+    Value(Type type, unsigned count) : type_(type), elements_(count) {}
     /// An object node.
-    static Value Object();
+    static Value Object() { return Value(Type::Object); }
 
     Type getType() const { return type_; }
     /// The first element's number; 0 when there is no element.
@@ -87,6 +87,7 @@ class Value {
 
   private:
     ValueHolder& firstElement();
+    ValueHolder& pushedElement(Type type);
 
     Type type_;
     std::vector<ValueHolder> elements_;
