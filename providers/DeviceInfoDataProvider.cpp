@@ -89,14 +89,6 @@ void DeviceInfoDataProvider::initIdentity() {
     setupForcedInform(kPrefix + "ModelName", Value(modelName()));
 }
 
-bool DeviceInfoDataProvider::updateValues() {
-    return load() && store();
-}
-
-bool DeviceInfoDataProvider::load() {
-    return true;
-}
-
 bool DeviceInfoDataProvider::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
@@ -125,22 +117,6 @@ void DeviceInfoDataProvider::setupStoredInConfig(const std::string& path,
     (*storage())[Address(path)].setPathInConfig(configPath);
 }
 
-std::string DeviceInfoDataProvider::specVersion() const {
-    return "1.0";
-}
-
-std::string DeviceInfoDataProvider::manufacturer() const {
-    return "KELM";
-}
-
-std::string DeviceInfoDataProvider::productClass() const {
-    return "STB";
-}
-
-std::string DeviceInfoDataProvider::temperatureName() const {
-    return "CPU";
-}
-
 std::string DeviceInfoDataProvider::macAddress() const {
     const auto list = InterfaceList::read();
     if (!list) return {};
@@ -148,14 +124,6 @@ std::string DeviceInfoDataProvider::macAddress() const {
     for (const ifaddrs* entry = list->first(); entry != nullptr; entry = entry->ifa_next)
         if (isIdentityLink(*entry)) address = serialText(InterfaceList::hardwareAddress(*entry));
     return address;
-}
-
-std::string DeviceInfoDataProvider::serialNumber() const {
-    return macAddress();
-}
-
-std::string DeviceInfoDataProvider::manufacturerOui() const {
-    return DeviceInfo::manufacturerOui(macAddress());
 }
 
 std::string DeviceInfoDataProvider::hardwareVersion() const {
@@ -174,14 +142,6 @@ std::string DeviceInfoDataProvider::deviceId() const {
     return Utils::trim(Utils::getFileContent("/etc/kelm_deviceid"));
 }
 
-std::string DeviceInfoDataProvider::modelName() const {
-    return deviceId();
-}
-
-std::string DeviceInfoDataProvider::description() const {
-    return "KELM Orbit " + deviceId();
-}
-
 std::string DeviceInfoDataProvider::upTime() const {
     return DeviceInfo::upTime(Utils::getFileContent("/proc/uptime"));
 }
@@ -189,14 +149,6 @@ std::string DeviceInfoDataProvider::upTime() const {
 // Two calls at the start; NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::string DeviceInfoDataProvider::memoryStatus(std::string key) const {
     return DeviceInfo::memoryStatus(readMemInfo(), key);
-}
-
-std::string DeviceInfoDataProvider::memoryStatusTotal() const {
-    return memoryStatus("MemTotal:");
-}
-
-std::string DeviceInfoDataProvider::memoryStatusFree() const {
-    return memoryStatus("MemFree:");
 }
 
 std::string DeviceInfoDataProvider::processNumberOfEntries() const {

@@ -35,29 +35,29 @@ class DeviceInfoDataProvider : public BaseDataProvider {
     /// nothing.
     void init();
 
-    bool updateValues() override;
-    bool load() override;
+    bool updateValues() override { return load() && store(); }
+    bool load() override { return true; }
     /// Writes the live figures; false without a store.
     bool store() override;
 
   private:
-    std::string specVersion() const;
-    std::string manufacturer() const;
-    std::string productClass() const;
-    std::string temperatureName() const;
+    std::string specVersion() const { return "1.0"; }
+    std::string manufacturer() const { return "KELM"; }
+    std::string productClass() const { return "STB"; }
+    std::string temperatureName() const { return "CPU"; }
     std::string macAddress() const;
-    std::string serialNumber() const;
-    std::string manufacturerOui() const;
+    std::string serialNumber() const { return macAddress(); }
+    std::string manufacturerOui() const { return DeviceInfo::manufacturerOui(macAddress()); }
     std::string hardwareVersion() const;
     std::string softwareVersion() const;
     std::string xKelmChipId() const;
     std::string deviceId() const;
-    std::string modelName() const;
-    std::string description() const;
+    std::string modelName() const { return deviceId(); }
+    std::string description() const { return "KELM Orbit " + deviceId(); }
     std::string upTime() const;
     std::string memoryStatus(std::string key) const;
-    std::string memoryStatusTotal() const;
-    std::string memoryStatusFree() const;
+    std::string memoryStatusTotal() const { return memoryStatus("MemTotal:"); }
+    std::string memoryStatusFree() const { return memoryStatus("MemFree:"); }
     std::string processNumberOfEntries() const;
     std::string temperatureValue() const;
     std::string deviceLog() const;

@@ -67,10 +67,6 @@ void FrontEndDataProvider::init() {
     for (const auto& [name, value] : parameters) storage()->set(igmpAddress(name), value);
 }
 
-bool FrontEndDataProvider::updateValues() {
-    return load() && store();
-}
-
 bool FrontEndDataProvider::load() {
     const auto addresses = Igmp::groupAddresses(Utils::processPipe("netstat -aun"));
     frontEnd_.igmp.setJoinedGroups(addresses, NSTime::nowRelative());
@@ -80,14 +76,10 @@ bool FrontEndDataProvider::load() {
 bool FrontEndDataProvider::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());
-    publishObjects();
+    for (const char* path : kObjects) storage()->set(Address(path), Value::Object());
     removePublishedGroups();
     publishGroups();
     return true;
-}
-
-void FrontEndDataProvider::publishObjects() {
-    for (const char* path : kObjects) storage()->set(Address(path), Value::Object());
 }
 
 void FrontEndDataProvider::removePublishedGroups() {

@@ -56,13 +56,12 @@ class FrontEndDataProvider : public BaseDataProvider {
     /// refresh. Without a store nothing is written.
     void init();
 
-    bool updateValues() override;
+    bool updateValues() override { return load() && store(); }
     bool load() override;
     /// Publishes the groups; false without a store.
     bool store() override;
 
   private:
-    void publishObjects() KELM_REQUIRES(storage()->getStorageMutex());
     void removePublishedGroups() KELM_REQUIRES(storage()->getStorageMutex());
     void publishGroups() KELM_REQUIRES(storage()->getStorageMutex());
 

@@ -20,6 +20,8 @@ namespace TR {
 
 namespace {
 
+using Interface = NetworkDataProvider::Interface;
+
 constexpr char kOwnInterfaces[] = "wlan[0-9]+|eth[0-9]+";
 constexpr char kWirelessInterfaces[] = "wlan[0-9]+";
 
@@ -38,10 +40,6 @@ std::string kernelFile(const std::string& interfaceName, const char* file) {
 }
 
 }  // namespace
-
-bool NetworkDataProvider::updateValues() {
-    return load() && store();
-}
 
 bool NetworkDataProvider::load() {
     std::optional<NetworkLinks> links = readNetworkLinks();
@@ -125,8 +123,7 @@ void NetworkDataProvider::updateWiFi(Interface& interface) {
     interface.wiFiStatus = isThere ? getWiFiStatus(interface.name) : Interface::WiFiStatus();
 }
 
-NetworkDataProvider::Interface::DuplexMode NetworkDataProvider::getDuplexMode(
-    const std::string& name) {
+Interface::DuplexMode NetworkDataProvider::getDuplexMode(const std::string& name) {
     return NetworkText::duplexMode(kernelFile(name, "duplex"));
 }
 
@@ -134,14 +131,12 @@ std::uint64_t NetworkDataProvider::getInterfaceSpeed(const std::string& name) {
     return NetworkText::bitRate(kernelFile(name, "speed"));
 }
 
-NetworkDataProvider::Interface::WiFiConfig NetworkDataProvider::getWiFiConfig(
-    const std::string& name) {
+Interface::WiFiConfig NetworkDataProvider::getWiFiConfig(const std::string& name) {
     return NetworkText::wiFiConfig(
         Utils::getFileContents("/var/kelm/network." + name, 0, Utils::kLargestSetting));
 }
 
-NetworkDataProvider::Interface::WiFiStatus NetworkDataProvider::getWiFiStatus(
-    const std::string& name) {
+Interface::WiFiStatus NetworkDataProvider::getWiFiStatus(const std::string& name) {
     return NetworkText::wiFiStatus(Utils::processPipe("iw " + name + " link"));
 }
 

@@ -42,6 +42,14 @@ class NetworkDataProvider : public BaseDataProvider {
             std::uint64_t UnicastPacketsReceived = 0;
             std::uint64_t UnicastPacketsSent = 0;
             std::uint64_t UnknownProtoPacketsReceived = 0;
+
+            struct Figure {
+                const char* name;   ///< as published
+                const char* label;  ///< for people; null where they get none
+                std::uint64_t Stats::*value;
+            };
+            /// All of the above.
+            static const Figure kFigures[15];
         };
 
         /// The settings file's texts; empty where it has none.
@@ -86,7 +94,7 @@ class NetworkDataProvider : public BaseDataProvider {
 
     using BaseDataProvider::BaseDataProvider;
 
-    bool updateValues() override;
+    bool updateValues() override { return load() && store(); }
     /// False, and everything stays as it was, when the kernel does not give its list.
     bool load() override;
     /// False without a store.

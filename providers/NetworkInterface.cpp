@@ -1,5 +1,6 @@
 #include "providers/NetworkDataProvider.h"
 
+#include <cstddef>
 #include <ostream>
 
 namespace TR {
@@ -9,71 +10,53 @@ namespace {
 using Interface = NetworkDataProvider::Interface;
 using Stats = Interface::Stats;
 
-struct Line {
-    const char* label;
-    std::uint64_t Stats::*figure;
-};
-
-// "Broadcast PacketsSent:" lacks a blank on purpose.
-constexpr Line kLines[] = {
-    {"Bytes Sent:", &Stats::BytesSent},
-    {"Bytes Received:", &Stats::BytesReceived},
-    {"Errors Sent:", &Stats::ErrorsSent},
-    {"Errors Received:", &Stats::ErrorsReceived},
-    {"Discard Packets Sent:", &Stats::DiscardPacketsSent},
-    {"Discard Packets Received:", &Stats::DiscardPacketsReceived},
-    {"Unicast Packets Sent:", &Stats::UnicastPacketsSent},
-    {"Unicast Packets Received:", &Stats::UnicastPacketsReceived},
-    {"Multicast Packets Sent:", &Stats::MulticastPacketsSent},
-    {"Multicast Packets Received:", &Stats::MulticastPacketsReceived},
-    {"Broadcast PacketsSent:", &Stats::BroadcastPacketsSent},
-    {"Broadcast Packets Received:", &Stats::BroadcastPacketsReceived},
-    {"Unknown Proto Packets Received:", &Stats::UnknownProtoPacketsReceived},
-};
+// The position is the state.
+constexpr const char* kStatuses[] = {"Up",         "Down",           "Dormant",
+                                     "NotPresent", "LowerLayerDown", "Error"};
+constexpr const char* kDuplexModes[] = {"Auto", "Full", "Half"};
 
 }  // namespace
 
-NetworkDataProvider::Interface::Interface(const std::string& interfaceName)
+Interface::Interface(const std::string& interfaceName)
     : name(interfaceName), alias("cpe-" + interfaceName), lastChange(NSTime::nowRelative()) {}
 
-const char* NetworkDataProvider::Interface::statusToString(Status status) {
-    switch (status) {
-        case Status::Up:
-            return "Up";
-        case Status::Down:
-            return "Down";
-        case Status::Dormant:
-            return "Dormant";
-        case Status::NotPresent:
-            return "NotPresent";
-        case Status::LowerLayerDown:
-            return "LowerLayerDown";
-        case Status::Error:
-            break;
-    }
-    return "Error";
+// "Broadcast PacketsSent:" lacks a blank on purpose.
+const Stats::Figure Stats::kFigures[] = {
+    {"BytesSent", "Bytes Sent:", &Stats::BytesSent},
+    {"BytesReceived", "Bytes Received:", &Stats::BytesReceived},
+    {"PacketsSent", nullptr, &Stats::PacketsSent},
+    {"PacketsReceived", nullptr, &Stats::PacketsReceived},
+    {"ErrorsSent", "Errors Sent:", &Stats::ErrorsSent},
+    {"ErrorsReceived", "Errors Received:", &Stats::ErrorsReceived},
+    {"DiscardPacketsSent", "Discard Packets Sent:", &Stats::DiscardPacketsSent},
+    {"DiscardPacketsReceived", "Discard Packets Received:", &Stats::DiscardPacketsReceived},
+    {"UnicastPacketsSent", "Unicast Packets Sent:", &Stats::UnicastPacketsSent},
+    {"UnicastPacketsReceived", "Unicast Packets Received:", &Stats::UnicastPacketsReceived},
+    {"MulticastPacketsSent", "Multicast Packets Sent:", &Stats::MulticastPacketsSent},
+    {"MulticastPacketsReceived", "Multicast Packets Received:", &Stats::MulticastPacketsReceived},
+    {"BroadcastPacketsSent", "Broadcast PacketsSent:", &Stats::BroadcastPacketsSent},
+    {"BroadcastPacketsReceived", "Broadcast Packets Received:", &Stats::BroadcastPacketsReceived},
+    {"UnknownProtoPacketsReceived",
+     "Unknown Proto Packets Received:", &Stats::UnknownProtoPacketsReceived},
+};
+
+const char* Interface::statusToString(Status status) {
+    return kStatuses[static_cast<std::size_t>(status)];
 }
 
-const char* NetworkDataProvider::Interface::duplexModeToString(DuplexMode mode) {
-    switch (mode) {
-        case DuplexMode::Full:
-            return "Full";
-        case DuplexMode::Half:
-            return "Half";
-        case DuplexMode::Auto:
-            break;
-    }
-    return "Auto";
+const char* Interface::duplexModeToString(DuplexMode mode) {
+    return kDuplexModes[static_cast<std::size_t>(mode)];
 }
 
-void NetworkDataProvider::Interface::changeStatus(Status newStatus) {
+void Interface::changeStatus(Status newStatus) {
     status = newStatus;
     lastChange = NSTime::nowRelative();
 }
 
 std::ostream& operator<<(std::ostream& stream, const Stats& stats) {
     stream << "======Stats======\n";
-    for (const Line& line : kLines) stream << line.label << ' ' << stats.*line.figure << '\n';
+    for (const Stats::Figure& figure : Stats::kFigures)
+        if (figure.label != nullptr) stream << figure.label << ' ' << stats.*figure.value << '\n';
     return stream << "======Stats end======\n";
 }
 

@@ -8,44 +8,25 @@ namespace TR::NetworkText {
 
 namespace {
 
-using Status = NetworkDataProvider::Interface::Status;
-using DuplexMode = NetworkDataProvider::Interface::DuplexMode;
+using Interface = NetworkDataProvider::Interface;
+using Status = Interface::Status;
+using DuplexMode = Interface::DuplexMode;
 
 // Linux keeps "no speed known" as -1, and older kernels print it unsigned.
 constexpr std::uint64_t kUnknownSpeed = 0xffffffff;
 
-struct OperstateRow {
-    const char* operstate;
-    Status status;
-};
-
-// "testing" is missing on purpose: no traffic passes, and no other state fits.
-constexpr OperstateRow kOperstates[] = {
-    {"up", Status::Up},
-    {"down", Status::Down},
-    {"dormant", Status::Dormant},
-    {"notpresent", Status::NotPresent},
-    {"lowerlayerdown", Status::LowerLayerDown},
-};
-
-struct DuplexRow {
-    const char* duplex;
-    DuplexMode mode;
-};
-
-constexpr DuplexRow kDuplexModes[] = {
-    {"auto", DuplexMode::Auto},
-    {"full", DuplexMode::Full},
-    {"half", DuplexMode::Half},
-};
+// Their names in lower case are the kernel's words. "testing" is missing on purpose: no traffic
+// passes, and no other state fits.
+constexpr Status kOperstates[] = {Status::Up, Status::Down, Status::Dormant, Status::NotPresent,
+                                  Status::LowerLayerDown};
 
 }  // namespace
 
 Status status(unsigned flags, const std::string& operstate) {
     if ((flags & IFF_UP) == 0) return Status::Down;
     const std::string state = Utils::trim(operstate);
-    for (const OperstateRow& row : kOperstates)
-        if (state == row.operstate) return row.status;
+    for (const Status known : kOperstates)
+        if (state == Utils::toLowerString(Interface::statusToString(known))) return known;
     // Drivers that never report a state; the kernel's documentation takes them as up.
     if (state == "unknown" && (flags & IFF_RUNNING) != 0) return Status::Up;
     return Status::Error;
@@ -53,8 +34,8 @@ Status status(unsigned flags, const std::string& operstate) {
 
 DuplexMode duplexMode(const std::string& duplex) {
     const std::string mode = Utils::toLowerString(Utils::trim(duplex));
-    for (const DuplexRow& row : kDuplexModes)
-        if (mode == row.duplex) return row.mode;
+    for (const DuplexMode known : {DuplexMode::Full, DuplexMode::Half})
+        if (mode == Utils::toLowerString(Interface::duplexModeToString(known))) return known;
     return DuplexMode::Auto;
 }
 

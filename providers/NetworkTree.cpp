@@ -15,29 +15,6 @@ constexpr char kVendorBranch[] = "Device.Services.STBService.1.X_Kelm.";
 constexpr const char* kRoots[] = {"Device.IP.", kIpInterfaces, "Device.Ethernet.",
                                   kEthernetInterfaces};
 
-struct StatsRow {
-    const char* name;
-    std::uint64_t Stats::*figure;
-};
-
-constexpr StatsRow kStatsRows[] = {
-    {"BytesSent", &Stats::BytesSent},
-    {"BytesReceived", &Stats::BytesReceived},
-    {"PacketsSent", &Stats::PacketsSent},
-    {"PacketsReceived", &Stats::PacketsReceived},
-    {"ErrorsSent", &Stats::ErrorsSent},
-    {"ErrorsReceived", &Stats::ErrorsReceived},
-    {"DiscardPacketsSent", &Stats::DiscardPacketsSent},
-    {"DiscardPacketsReceived", &Stats::DiscardPacketsReceived},
-    {"BroadcastPacketsReceived", &Stats::BroadcastPacketsReceived},
-    {"BroadcastPacketsSent", &Stats::BroadcastPacketsSent},
-    {"MulticastPacketsReceived", &Stats::MulticastPacketsReceived},
-    {"MulticastPacketsSent", &Stats::MulticastPacketsSent},
-    {"UnicastPacketsReceived", &Stats::UnicastPacketsReceived},
-    {"UnicastPacketsSent", &Stats::UnicastPacketsSent},
-    {"UnknownProtoPacketsReceived", &Stats::UnknownProtoPacketsReceived},
-};
-
 std::string instance(const char* branch, unsigned position) {
     return branch + Utils::format("%u.", position);
 }
@@ -56,39 +33,39 @@ void setNumber(Storage& storage, const std::string& path, std::uint64_t number)
     set(storage, path, Value(static_cast<long long>(number)));
 }
 
+// What an IP and an Ethernet instance have in common.
+void publishBoth(Storage& storage, const std::string& branch, const Interface& interface)
+    KELM_REQUIRES(storage.getStorageMutex()) {
+    const std::string stats = branch + "Stats.";
+    for (const std::string& path : {branch, stats}) set(storage, path, Value::Object());
+    setNumber(storage, branch + "Enable", interface.enable ? 1 : 0);
+    set(storage, branch + "Name", Value(interface.name));
+    set(storage, branch + "Status", Value(Interface::statusToString(interface.status)));
+    setNumber(storage, branch + "LastChange", secondsSince(interface.lastChange));
+    for (const Stats::Figure& figure : Stats::kFigures)
+        setNumber(storage, stats + figure.name, interface.stats.*figure.value);
+}
+
 void publishIpParameters(Storage& storage, const std::string& branch, const Interface& interface)
     KELM_REQUIRES(storage.getStorageMutex()) {
     Value alias(interface.alias);
     alias.setMutableByUser(true);
-    setNumber(storage, branch + "Enable", interface.enable ? 1 : 0);
-    set(storage, branch + "Name", Value(interface.name));
     setNumber(storage, branch + "IPv4AddressNumberOfEntries",
               interface.ipv4Address.empty() ? 0 : 1);
     set(storage, branch + "IPv4Address.1.IPAddress", Value(interface.ipv4Address));
     set(storage, branch + "IPv4Address.1.SubnetMask", Value(interface.subnetMask));
-    set(storage, branch + "Status", Value(Interface::statusToString(interface.status)));
     set(storage, branch + "Alias", alias);
-    setNumber(storage, branch + "LastChange", secondsSince(interface.lastChange));
 }
 
 void publishEthernetParameters(Storage& storage, const std::string& branch,
                                const Interface& interface)
     KELM_REQUIRES(storage.getStorageMutex()) {
-    setNumber(storage, branch + "Enable", interface.enable ? 1 : 0);
-    set(storage, branch + "Name", Value(interface.name));
-    set(storage, branch + "Status", Value(Interface::statusToString(interface.status)));
     set(storage, branch + "LowerLayers", Value(std::string()));  // an Ethernet interface has none
-    setNumber(storage, branch + "Upstream",
-              1);  // every interface of an end device points to the network
+    // Every interface of an end device points to the network.
+    setNumber(storage, branch + "Upstream", 1);
     set(storage, branch + "MACAddress", Value(interface.hardwareAddress));
     setNumber(storage, branch + "MaxBitRate", interface.maxBitRate);
     set(storage, branch + "DuplexMode", Value(Interface::duplexModeToString(interface.duplexMode)));
-    setNumber(storage, branch + "LastChange", secondsSince(interface.lastChange));
-}
-
-void publishStats(Storage& storage, const std::string& branch, const Stats& stats)
-    KELM_REQUIRES(storage.getStorageMutex()) {
-    for (const StatsRow& row : kStatsRows) setNumber(storage, branch + row.name, stats.*row.figure);
 }
 
 }  // namespace
@@ -113,12 +90,10 @@ void publishRoots(Storage& storage) {
 void publishInterface(Storage& storage, unsigned position, const Interface& interface) {
     const std::string ip = instance(kIpInterfaces, position);
     const std::string ethernet = instance(kEthernetInterfaces, position);
-    for (const std::string& path : {ip, ip + "Stats.", ethernet, ethernet + "Stats."})
-        set(storage, path, Value::Object());
+    publishBoth(storage, ip, interface);
+    publishBoth(storage, ethernet, interface);
     publishIpParameters(storage, ip, interface);
     publishEthernetParameters(storage, ethernet, interface);
-    publishStats(storage, ip + "Stats.", interface.stats);
-    publishStats(storage, ethernet + "Stats.", interface.stats);
 }
 
 void publishWiFi(Storage& storage, const Interface& interface) {
@@ -131,11 +106,10 @@ void publishWiFi(Storage& storage, const Interface& interface) {
     set(storage, config + "WPAPassphrase", Value(interface.wiFiConfig.wpaPassphrase));
     set(storage, config + "WEPPassphrase", Value(interface.wiFiConfig.wepPassphrase));
     set(storage, status + "SSID", Value(interface.wiFiStatus.ssid));
-    set(storage, status + "BitRate", Value(static_cast<long long>(interface.wiFiStatus.bitRate)));
+    set(storage, status + "BitRate", Value(interface.wiFiStatus.bitRate));
     set(storage, status + "BSSID", Value(interface.wiFiStatus.bssid));
-    set(storage, status + "Frequency",
-        Value(static_cast<long long>(interface.wiFiStatus.frequency)));
-    set(storage, status + "Signal", Value(static_cast<long long>(interface.wiFiStatus.signal)));
+    set(storage, status + "Frequency", Value(interface.wiFiStatus.frequency));
+    set(storage, status + "Signal", Value(interface.wiFiStatus.signal));
 }
 
 }  // namespace TR::NetworkTree

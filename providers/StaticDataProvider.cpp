@@ -53,14 +53,6 @@ Address serviceAddress(const char* name) {
 
 }  // namespace
 
-bool StaticDataProvider::updateValues() {
-    return store();
-}
-
-bool StaticDataProvider::load() {
-    return true;
-}
-
 bool StaticDataProvider::store() {
     if (storage() == nullptr) return false;
     const pthread_helper::scoped_lock lock(storage()->getStorageMutex());

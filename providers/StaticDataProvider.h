@@ -14,8 +14,8 @@ class StaticDataProvider : public BaseDataProvider {
   public:
     using BaseDataProvider::BaseDataProvider;
 
-    bool updateValues() override;
-    bool load() override;
+    bool updateValues() override { return store(); }
+    bool load() override { return true; }
     bool store() override;
 
   private:
