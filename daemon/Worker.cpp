@@ -22,23 +22,12 @@ Worker::~Worker() {
     shutdown();
 }
 
-void Worker::start() {
-    startThread(nullptr);
-}
-
-void Worker::stop() {
-    stopThread();
-}
-
-bool Worker::isOnline() const {
-    return isRunning() && !hasCompleted();
-}
-
 void Worker::run() {
     createProviders();
     initProviders();
     while (isRunning()) {
-        if (cycleIsDue()) runCycle();
+        const NSTime sinceUpdate = NSTime::nowRelative() - lastUpdate_;
+        if (sinceUpdate.toTimeT() >= kCycleSeconds) runCycle();
         sleepMs(kPassMilliseconds);
     }
 }
@@ -56,10 +45,6 @@ void Worker::initProviders() {
     serviceMonitoring_->init();
     frontEndProvider_->init();
     deviceInfoProvider_->init();
-}
-
-bool Worker::cycleIsDue() const {
-    return (NSTime::nowRelative() - lastUpdate_).toTimeT() >= kCycleSeconds;
 }
 
 void Worker::runCycle() {

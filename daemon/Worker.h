@@ -24,11 +24,11 @@ class Worker : public STBThread {
     /// Joins the thread, then destroys the providers in the reverse of their order.
     ~Worker() override;
 
-    void start();
+    void start() { startThread(nullptr); }
     /// Asks the loop to end and waits for it; a cycle under way finishes first.
-    void stop();
+    void stop() { stopThread(); }
     /// False once a stop was asked for, or when the thread has ended by itself.
-    bool isOnline() const;
+    bool isOnline() const { return isRunning() && !hasCompleted(); }
 
     void run() override;
 
@@ -38,8 +38,6 @@ class Worker : public STBThread {
     void runCycle();
 
   private:
-    bool cycleIsDue() const;
-
     Storage* storage_;
     std::unique_ptr<NetworkDataProvider> networkProvider_;
     std::unique_ptr<ServiceMonitoring> serviceMonitoring_;

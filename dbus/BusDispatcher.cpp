@@ -2,7 +2,6 @@
 
 #include <dbus/dbus.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <iterator>
 #include <system_error>
@@ -84,7 +83,7 @@ void BusDispatcher::waitAndHandle() {
     if (watches_.empty()) busLost_ = true;
     if (busLost_) return;
     pollfd polled[] = {{wakeDescriptor_, POLLIN, 0},
-                       {watches_.front()->descriptor(), static_cast<short>(wanted), 0}};
+                       {watches_.front().descriptor(), static_cast<short>(wanted), 0}};
     if (poll(polled, std::size(polled), -1) < 0) {
         busLost_ = errno != EINTR;
         return;
@@ -98,9 +97,9 @@ void BusDispatcher::waitAndHandle() {
     if ((events & POLLIN) != 0) handle(DBUS_WATCH_READABLE);
 }
 
-BusDispatcher::BusWatch* BusDispatcher::enabledWatch(int kind) const {
-    for (const auto& watch : watches_)
-        if (watch->enabled() && (watch->flags() & kind) != 0) return watch.get();
+BusDispatcher::BusWatch* BusDispatcher::enabledWatch(int kind) {
+    for (BusWatch& watch : watches_)
+        if (watch.enabled() && (watch.flags() & kind) != 0) return &watch;
     return nullptr;
 }
 
@@ -109,22 +108,16 @@ void BusDispatcher::handle(int kind) {
 }
 
 DBus::Watch* BusDispatcher::add_watch(DBus::Watch::Internal* internal) {
-    watches_.push_back(std::make_unique<BusWatch>(internal));
+    watches_.emplace_back(internal);
     const pthread_helper::scoped_lock lock(descriptorMutex_);
-    busDescriptor_ = watches_.back()->descriptor();
-    return watches_.back().get();
+    busDescriptor_ = watches_.back().descriptor();
+    return &watches_.back();
 }
 
 void BusDispatcher::rem_watch(DBus::Watch* watch) {
-    forgetDescriptor();
-    watches_.erase(std::remove_if(watches_.begin(), watches_.end(),
-                                  [&](const auto& other) { return other.get() == watch; }),
-                   watches_.end());
-}
-
-void BusDispatcher::forgetDescriptor() {
     const pthread_helper::scoped_lock lock(descriptorMutex_);
     busDescriptor_ = -1;
+    watches_.remove_if([&](const BusWatch& other) { return &other == watch; });
 }
 
 }  // namespace TR

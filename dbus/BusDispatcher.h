@@ -5,8 +5,7 @@
 #include <dbus-c++/dbus.h>
 
 #include <atomic>
-#include <memory>
-#include <vector>
+#include <list>
 
 namespace TR {
 
@@ -20,8 +19,6 @@ class BusDispatcher : public DBus::BusDispatcher {
     /// Throws std::system_error when no descriptor is free.
     BusDispatcher();
     ~BusDispatcher() override;
-    BusDispatcher(const BusDispatcher&) = delete;
-    BusDispatcher& operator=(const BusDispatcher&) = delete;
 
     /// Serves the connection until `leave()` was called, before or meanwhile, or the bus is lost.
     void enter() override;
@@ -51,16 +48,15 @@ class BusDispatcher : public DBus::BusDispatcher {
     bool isServing() const { return !leaving_ && !busLost_; }
     /// libdbus's watch of this kind, DBUS_WATCH_READABLE or DBUS_WATCH_WRITABLE, when it is
     /// enabled; else null.
-    BusWatch* enabledWatch(int kind) const;
+    BusWatch* enabledWatch(int kind);
     void handle(int kind);
     /// One wait. A lost bus is noted.
     void waitAndHandle();
-    void forgetDescriptor();
 
     const int wakeDescriptor_;  ///< eventfd, owned
     std::atomic<bool> leaving_{false};
     std::atomic<bool> busLost_{false};
-    std::vector<std::unique_ptr<BusWatch>> watches_;  ///< D-Bus thread only
+    std::list<BusWatch> watches_;  ///< D-Bus thread only; libdbus keeps pointers to them
     /// Guards the descriptor: libdbus takes its watches back before it closes it, and waits here
     /// while another thread looks at it.
     pthread_helper::mutex descriptorMutex_;

@@ -10,7 +10,7 @@ namespace {
 using Interface = NetworkDataProvider::Interface;
 using Stats = Interface::Stats;
 
-// The position is the state.
+// By the position in the enumerations.
 constexpr const char* kStatuses[] = {"Up",         "Down",           "Dormant",
                                      "NotPresent", "LowerLayerDown", "Error"};
 constexpr const char* kDuplexModes[] = {"Auto", "Full", "Half"};
