@@ -34,7 +34,7 @@ void setNumber(Storage& storage, const std::string& path, std::uint64_t number)
 }
 
 // What an IP and an Ethernet instance have in common.
-void publishBoth(Storage& storage, const std::string& branch, const Interface& interface)
+void publishCommon(Storage& storage, const std::string& branch, const Interface& interface)
     KELM_REQUIRES(storage.getStorageMutex()) {
     const std::string stats = branch + "Stats.";
     for (const std::string& path : {branch, stats}) set(storage, path, Value::Object());
@@ -90,8 +90,8 @@ void publishRoots(Storage& storage) {
 void publishInterface(Storage& storage, unsigned position, const Interface& interface) {
     const std::string ip = instance(kIpInterfaces, position);
     const std::string ethernet = instance(kEthernetInterfaces, position);
-    publishBoth(storage, ip, interface);
-    publishBoth(storage, ethernet, interface);
+    publishCommon(storage, ip, interface);
+    publishCommon(storage, ethernet, interface);
     publishIpParameters(storage, ip, interface);
     publishEthernetParameters(storage, ethernet, interface);
 }

@@ -11,6 +11,7 @@
 /// reentrant.
 class NSTime {
   public:
+    // Microseconds.
     static constexpr std::int64_t kMillisecond = 1000;
     static constexpr std::int64_t kSecond = 1000 * kMillisecond;
     static constexpr std::int64_t kMinute = 60 * kSecond;
