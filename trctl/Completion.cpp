@@ -130,13 +130,14 @@ class Reading {
     }
     void wantArgument(Wanted& wanted) const {
         const ArgumentShape* const expected = argument();
-        wanted.writableOnly = command_->name == "set";
-        wanted.assigns = wanted.writableOnly && !arguments_.empty();
-        const bool isAssigned = names(wanted.start, "=");
-        if (wanted.assigns)  // behind PATH=VALUE another one, behind PATH its value
-            wanted.addresses = names(arguments_.front(), "=") && !isAssigned;
-        else
-            wanted.addresses = expected != nullptr && names(expected->name, "PATH") && !isAssigned;
+        const bool isPath = expected != nullptr && names(expected->name, "PATH");
+        const bool isSet = command_->name == "set";
+        // Behind PATH=VALUE another one, behind PATH its value.
+        const bool isAnother = isSet && !arguments_.empty();
+        wanted.writableOnly = isSet;
+        wanted.assigns = isAnother || (!isSet && isPath && names(expected->name, "PATH="));
+        wanted.addresses =
+            (isAnother ? names(arguments_.front(), "=") : isPath) && !names(wanted.start, "=");
         wanted.files = expected != nullptr && names(expected->name, "FILE");
         if (expected != nullptr && expected->name == "COMMAND")
             addNames(wanted.words, shape_.commands);

@@ -87,6 +87,16 @@ TEST(CompletionTest, SetOffersWritableNamesAndAnotherOneBehindAnAssignment) {
     EXPECT_FALSE(at("trctl set Device.A=1 Device.B=D").addresses);
 }
 
+TEST(CompletionTest, AnArgumentThatIsAnAssignmentGetsItsEqualSign) {
+    const Shape shape{{}, {{"await", {}, {{"PATH=VALUE", false}}}}};
+    const Wanted wanted = wantedAt(shape, {"trctl", "await", "D"});
+    EXPECT_TRUE(wanted.addresses);
+    EXPECT_TRUE(wanted.assigns);
+    EXPECT_FALSE(wanted.writableOnly);
+    EXPECT_FALSE(wantedAt(shape, {"trctl", "await", "D=1"}).addresses);
+    EXPECT_FALSE(wantedAt(shape, {"trctl", "await", "D=1", "E"}).addresses);
+}
+
 TEST(CompletionTest, TheBusIsFoundInAnyForm) {
     for (const char* line :
          {"trctl --bus unix:path=/x get D", "trctl get --bus=unix:path=/x D",
