@@ -3,7 +3,6 @@
 #include <dbus/dbus.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <deque>
 #include <iterator>
 #include <utility>
@@ -112,13 +111,24 @@ Message callOf(const char* member, std::initializer_list<const std::string*> arg
     return call;
 }
 
+// libdbus starts a bus for such an address, and nobody would stop it.
+bool asksToBeLaunched(const std::string& address) {
+    DBusAddressEntry** entries = nullptr;
+    int count = 0;
+    if (dbus_parse_address(address.c_str(), &entries, &count, nullptr) == FALSE) return false;
+    const bool asks = std::any_of(entries, entries + count, [](DBusAddressEntry* entry) {
+        return dbus_address_entry_get_method(entry) == std::string("autolaunch");
+    });
+    dbus_address_entries_free(entries);
+    return asks;
+}
+
 Connection open(const std::string& address) {
-    // One thread; NOLINTNEXTLINE(concurrency-mt-unsafe)
-    const char* const variable = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    const std::string place = address.empty() && variable != nullptr ? variable : address;
-    if (place.empty()) throw Unreachable("there is no bus: its address is not set", kAdviceNoBus);
+    if (address.empty()) throw Unreachable("there is no bus: its address is not set", kAdviceNoBus);
+    if (asksToBeLaunched(address))
+        throw Unreachable("there is no bus: no bus is started for autolaunch:", kAdviceNoBus);
     DBusError error = DBUS_ERROR_INIT;
-    Connection connection(dbus_connection_open_private(place.c_str(), &error));
+    Connection connection(dbus_connection_open_private(address.c_str(), &error));
     if (connection == nullptr) {
         const std::string reason = error.message;
         dbus_error_free(&error);
@@ -171,7 +181,7 @@ struct BusDaemon::Connected {
     }
 
     Message await(const Pending& pending) {
-        const auto end = hasDeadline ? deadline : Clock::now() + kTimePerCall;
+        const auto end = hasDeadline ? deadline : Clock::now() + timePerCall;
         while (dbus_pending_call_get_completed(pending.get()) == FALSE) {
             const auto left =
                 std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
@@ -197,6 +207,7 @@ struct BusDaemon::Connected {
     }
 
     const Connection connection;
+    std::chrono::milliseconds timePerCall{kTimePerCall};
     Clock::time_point deadline;
     bool hasDeadline = false;
 };
@@ -208,6 +219,10 @@ BusDaemon::~BusDaemon() = default;
 
 void BusDaemon::setTimeLeft(std::chrono::milliseconds time) {
     connected_->setTimeLeft(time);
+}
+
+void BusDaemon::setTimePerCall(std::chrono::milliseconds time) {
+    connected_->timePerCall = time;
 }
 
 bool BusDaemon::isConnected() const {

@@ -13,14 +13,16 @@ namespace client {
 /// call that does not wait, and many calls are in flight here. Owns its connection. One thread.
 class BusDaemon : public Daemon {
   public:
-    /// Connects to the bus at this address, or to the one that the environment names when it is
-    /// empty. Throws Unreachable, also when the bus does not answer within the time.
+    /// Connects to the bus at this address, and starts none for it. Throws Unreachable, also when
+    /// the bus does not answer within the time.
     explicit BusDaemon(const std::string& busAddress,
                        std::chrono::milliseconds timeToConnect = kTimePerCall);
     ~BusDaemon() override;
 
-    /// From now on all calls together may take that long; without it each may take `kTimePerCall`.
+    /// From now on all calls together may take that long; without it each may take `kTimePerCall`,
+    /// or the time that is set for each.
     void setTimeLeft(std::chrono::milliseconds time);
+    void setTimePerCall(std::chrono::milliseconds time);
     /// False when the bus has gone.
     bool isConnected() const;
 

@@ -1,5 +1,6 @@
 #include "cwmp/Run.h"
 
+#include "client/BusAddress.h"
 #include "cwmp/BusLink.h"
 #include "cwmp/LineReader.h"
 #include "cwmp/Options.h"
@@ -41,7 +42,7 @@ Deadline::Milliseconds waitForDaemon() {
 std::string busAddress() {
     const char* const address = variable("DBUS_SESSION_BUS_ADDRESS");
     if (address != nullptr && *address != '\0') return address;
-    return "unix:path=/run/kelm-trd/bus;unix:path=/var/run/kelm-trd/bus";
+    return client::kPackagedBus;
 }
 
 // False when nobody reads the answers any more.

@@ -140,7 +140,7 @@ int set(Context& context) {
     } catch (const client::Refused& refusal) {
         context.out.line(valueLine(path, valueOrReason(context.daemon, path)));
         context.out.flush();
-        complain(path + " does not take this value: " + refusal.what());
+        complain(path + " does not take this value: " + reasonOfRefusal(given, refusal.what()));
         return kRefused;
     }
     const std::string after = valueOrReason(context.daemon, path);

@@ -105,8 +105,9 @@ int diff(Context& context) {
         const auto value = values.find(address);
         comparison.compare(address, side, value == values.end() ? nullptr : &value->second);
     }
-    const int status = complainOfUnmatched(context, unmatchedInBoth(now, *saved));
-    return comparison.isDifferent() ? kRefused : status;
+    // As of diff(1): a wrong call outweighs a difference.
+    if (complainOfUnmatched(context, unmatchedInBoth(now, *saved)) != kDone) return kUsage;
+    return comparison.isDifferent() ? kRefused : kDone;
 }
 
 }  // namespace trctl

@@ -1,11 +1,12 @@
 #include "trctl/Options.h"
 
 #include "trctl/Output.h"
+#include "trctl/Plot.h"
+#include "trctl/UsageError.h"
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
-#include <map>
+#include <iterator>
 
 namespace trctl {
 
@@ -25,7 +26,7 @@ constexpr char kFooter[] =
     "  trctl get Device.DeviceInfo.\n"
     "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost 10.0.0.9\n"
     "  trctl watch Device.IP. --interval 5\n"
-    "  trctl COMMAND --help";
+    "  trctl help COMMAND";
 
 constexpr char kGetExamples[] =
     "Examples:\n"
@@ -80,6 +81,10 @@ constexpr char kChangesExamples[] =
     "\n"
     "Examples:\n"
     "  trctl changes";
+constexpr char kHelpExamples[] =
+    "Examples:\n"
+    "  trctl help\n"
+    "  trctl help watch";
 constexpr char kReportExamples[] =
     "The page needs no network and masks passphrases and passwords. FILE ends in .html; - is\n"
     "standard output; the default name contains the time.\n"
@@ -95,6 +100,30 @@ CLI::App* add(CLI::App& app, const char* name, const char* about, const char* fo
     command->footer(footer);
     command->fallthrough();
     return command;
+}
+
+// The library's own checks print their type.
+CLI::Validator between(double low, double high) {
+    const auto check = [low, high](std::string& text) {
+        double number = 0;
+        const bool isIn =
+            CLI::detail::lexical_cast(text, number) && number >= low && number <= high;
+        return isIn ? ""
+                    : "not a number from " + numberText(low) + " to " + numberText(high) + ": `" +
+                          text + '`';
+    };
+    return {check, ""};
+}
+
+CLI::Option* addSeconds(CLI::App* command, const char* name, double& seconds, double low,
+                        const char* about) {
+    constexpr double kDay = 86'400;
+    return command
+        ->add_option(name, seconds,
+                     about + (" (" + numberText(low)) + " to " + numberText(kDay) + ", default " +
+                         numberText(seconds) + ')')
+        ->check(between(low, kDay))
+        ->type_name("SECONDS");
 }
 
 CLI::Option* addPaths(CLI::App* command, Options& options, const char* about) {
@@ -131,19 +160,13 @@ void addWriting(CLI::App& app, Options& options) {
 void addWaiting(CLI::App& app, Options& options) {
     CLI::App* watch = add(app, "watch", "Print changes as they happen", kWatchExamples);
     addPaths(watch, options, "What to watch; all of it otherwise");
-    watch->add_option("--interval", options.intervalSeconds, "Seconds between two reads")
-        ->check(CLI::Range(0.05, 86'400.0))
-        ->type_name("SECONDS")
-        ->capture_default_str();
+    addSeconds(watch, "--interval", options.intervalSeconds, 0.05, "Time between two reads");
     watch->add_flag("--plot", options.plot,
                     "Draw one numeric parameter as a moving line; needs a terminal");
     watch->add_flag("--ascii", options.ascii, "Draw with ASCII in a UTF-8 locale too");
 
     CLI::App* wait = add(app, "wait", "Wait for the end of the first cycle", kWaitExamples);
-    wait->add_option("--timeout", options.timeoutSeconds, "Seconds to wait for it")
-        ->check(CLI::Range(0.0, 86'400.0))
-        ->type_name("SECONDS")
-        ->capture_default_str();
+    addSeconds(wait, "--timeout", options.timeoutSeconds, 0, "Time to wait for it, in all");
 }
 
 void addComparing(CLI::App& app, Options& options) {
@@ -160,56 +183,112 @@ void addReport(CLI::App& app, Options& options) {
         ->add_option("FILE PATH", options.paths, "The page, and what to show; all of it otherwise")
         ->type_name("");
     CLI::Option* seconds =
-        report->add_option("--seconds", options.watchSeconds, "How long to watch for changes")
-            ->check(CLI::Range(0.0, 86'400.0))
-            ->type_name("SECONDS")
-            ->capture_default_str();
+        addSeconds(report, "--seconds", options.watchSeconds, 0, "How long to watch for changes");
     report->add_option("--snapshot", options.snapshot, "Read kelm-trd-snapshot's archive instead")
         ->type_name("ARCHIVE")
         ->excludes(seconds);
 }
 
+void addHelp(CLI::App& app, Options& options) {
+    CLI::App* help = add(app, "help", "Print this help, or that of a command", kHelpExamples);
+    help->add_option("COMMAND", options.helpOn, "The command")->type_name("");
+}
+
+void addColor(CLI::App& app, Options& options) {
+    constexpr const char* kModes[] = {"auto", "always", "never"};
+    const auto numberOf = [kModes](const std::string& word) {
+        return std::find(std::begin(kModes), std::end(kModes), word) - std::begin(kModes);
+    };
+    const auto check = [numberOf, kModes](std::string& word) -> std::string {
+        if (numberOf(word) < std::end(kModes) - std::begin(kModes)) return {};
+        return "not auto, always or never: `" + word + '`';
+    };
+    app.add_option_function<std::string>(
+           "--color",
+           [&options, numberOf](const std::string& word) {
+               options.color = static_cast<ColorMode>(numberOf(word));
+           },
+           "auto: on a terminal, unless NO_COLOR is set")
+        ->check(CLI::Validator(check, ""))
+        ->type_name("auto|always|never");
+}
+
 void addCommon(CLI::App& app, Options& options) {
-    const std::map<std::string, ColorMode> modes = {
-        {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
-    app.add_option("--bus", options.bus, "The bus; DBUS_SESSION_BUS_ADDRESS otherwise")
+    app.add_option("--bus", options.bus,
+                   "The bus; else DBUS_SESSION_BUS_ADDRESS, /etc/default/kelm-trd, kelm-trd-bus")
         ->type_name("ADDRESS");
-    app.add_option("--color", options.color,
-                   "auto (on a terminal, unless NO_COLOR is set), always or never")
-        ->type_name("WHEN")
-        ->transform(CLI::CheckedTransformer(modes).description(""));
-    app.set_version_flag("--version", "trctl " KELM_VERSION, "Print the version");
+    addColor(app, options);
+    addSeconds(&app, "--timeout", options.timeoutSeconds, 0.1,
+               "Time for each call; for wait, in all");
+    app.add_flag("--quiet,-q", options.quiet, "Nothing on standard error but wrong calls");
+    app.set_version_flag("--version,-V", "trctl " KELM_VERSION, "Print the version");
     app.set_help_flag("--help,-h", "Print this help");
     app.footer(kFooter);
     app.require_subcommand(1);
 }
 
-}  // namespace
-
-std::optional<Options> parseOptions(int argc, const char* const* argv, int& status) {
-    Options options;
-    CLI::App app(kAbout, "trctl");
+void define(CLI::App& app, Options& options) {
     addCommon(app, options);
     addReading(app, options);
     addWriting(app, options);
     addWaiting(app, options);
     addComparing(app, options);
     addReport(app, options);
+    addHelp(app, options);
+}
+
+int print(const std::string& text) {
+    Output out;
+    out.print(text);
+    out.flush();
+    return kDone;
+}
+
+int rejectCall(const std::string& complaint, const std::string& command) {
+    complain(complaint);
+    complain("for more information: trctl " + command + (command.empty() ? "" : " ") + "--help");
+    return kUsage;
+}
+
+// As --help prints it without a command or behind one; the app would print that of `help` itself.
+int printHelp(const CLI::App& app, const std::string& name) {
+    const auto mode = CLI::AppFormatMode::Normal;
+    if (name.empty()) return print(app.get_formatter()->make_help(&app, app.get_name(), mode));
+    const auto commands = app.get_subcommands(nullptr);
+    const auto command = std::find_if(commands.begin(), commands.end(),
+                                      [&](const CLI::App* one) { return one->get_name() == name; });
+    if (command != commands.end()) return print((*command)->help(app.get_name()));
+    return rejectCall(unknownCommand(app, name), "");
+}
+
+}  // namespace
+
+Shape commandLineShape() {
+    Options options;
+    CLI::App app(kAbout, "trctl");
+    define(app, options);
+    return shapeOf(app);
+}
+
+std::optional<Options> parseOptions(int argc, const char* const* argv, int& status) {
+    Options options;
+    CLI::App app(kAbout, "trctl");
+    define(app, options);
     try {
         app.parse(argc, argv);
+        options.command = app.get_subcommands().front()->get_name();
+        if (options.command != "help") return options;
+        status = printHelp(app, options.helpOn);
+    } catch (const CLI::CallForHelp&) {
+        status = print(app.help());
+    } catch (const CLI::CallForVersion& version) {
+        status = print(version.what() + std::string("\n"));
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) {
-            status = app.exit(error, std::cout, std::cerr);
-            std::cout.flush();
-            return std::nullopt;
-        }
-        complain(error.what());
-        std::cerr << "Run with --help for more information.\n";
-        status = kUsage;
-        return std::nullopt;
+        const auto commands = app.get_subcommands();
+        status = rejectCall(complaintOf(app, error),
+                            commands.empty() ? "" : commands.front()->get_name());
     }
-    options.command = app.get_subcommands().front()->get_name();
-    return options;
+    return std::nullopt;
 }
 
 }  // namespace trctl

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trctl/Shape.h"
 #include "trctl/Terminal.h"
 
 #include <optional>
@@ -17,7 +18,9 @@ constexpr int kUnreachable = 3;  ///< no bus, no daemon
 /// What the command line asks for; each command looks at its own.
 struct Options {
     std::string command;
+    std::string helpOn;  ///< the command that `help` explains
     std::string bus;
+    bool quiet = false;
     ColorMode color = ColorMode::Auto;
     std::vector<std::string> paths;
     std::string parameter;  ///< the one that is to be set
@@ -30,13 +33,16 @@ struct Options {
     bool plot = false;
     bool ascii = false;
     double intervalSeconds = 1;
-    double timeoutSeconds = 30;
-    std::string snapshot;      ///< the archive that `report` reads instead of the daemon
-    double watchSeconds = 10;  ///< how long `report` watches
+    double timeoutSeconds = 30;  ///< for each call to the daemon; `wait`: in all
+    std::string snapshot;        ///< the archive that `report` reads instead of the daemon
+    double watchSeconds = 10;    ///< how long `report` watches
 };
 
 /// Nothing when the program is to end at once with \p status: help was printed, or the call is
 /// wrong and the reason is on standard error.
 std::optional<Options> parseOptions(int argc, const char* const* argv, int& status);
+
+/// What parseOptions understands.
+Shape commandLineShape();
 
 }  // namespace trctl

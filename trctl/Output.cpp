@@ -2,6 +2,7 @@
 
 #include "trctl/Text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -37,6 +38,14 @@ void Output::flush() {
 
 void complain(std::string_view text) {
     std::fprintf(stderr, "trctl: %s\n", escaped(text).c_str());
+}
+
+void complainLines(std::string_view text) {
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        std::fprintf(stderr, "%s\n", escaped(text.substr(at, end - at)).c_str());
+        at = end + 1;
+    }
 }
 
 }  // namespace trctl

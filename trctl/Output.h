@@ -20,5 +20,7 @@ class Output {
 
 /// One line on standard error, escaped.
 void complain(std::string_view text);
+/// The same, without the program's name ahead and with the text's own line feeds.
+void complainLines(std::string_view text);
 
 }  // namespace trctl

@@ -1,9 +1,13 @@
 #include "trctl/Run.h"
 
-#include "client/BusDaemon.h"
 #include "trctl/Commands.h"
+#include "trctl/Completion.h"
+#include "trctl/Connection.h"
 #include "trctl/Report.h"
+#include "trctl/Text.h"
 
+#include <algorithm>
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstddef>
@@ -19,7 +23,28 @@ namespace {
 
 constexpr std::size_t kOutputBytes = std::size_t{64} << 10U;
 
-int runOnBus(const Options& options) {
+std::chrono::milliseconds timeOf(double seconds) {
+    return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+}
+
+// The daemon needs a moment for its last answer to a `wait` whose time is up.
+constexpr std::chrono::milliseconds kLastAnswer{1'000};
+
+void limitTime(client::BusDaemon& daemon, const Options& options) {
+    const auto time = timeOf(options.timeoutSeconds);
+    if (options.command == "wait")
+        daemon.setTimeLeft(time + kLastAnswer);
+    else
+        daemon.setTimePerCall(time);
+}
+
+int complainOfLoss(const client::Unreachable& loss, const std::string& tried) {
+    complain(loss.what());
+    complainLines(loss.advice() + tried);
+    return kUnreachable;
+}
+
+int runCommandOn(Connection& connection, const Options& options) {
     const Terminal terminal(options.color);
     Output out;
     // The daemon may go in the middle; what it has answered until then is printed all the same.
@@ -28,19 +53,34 @@ int runOnBus(const Options& options) {
         return status;
     };
     try {
-        client::BusDaemon daemon(options.bus);
-        Context context{daemon, options, terminal, out};
+        Context context{connection.daemon(), options, terminal, out};
         return flushed(runCommand(context));
     } catch (const client::Unreachable& loss) {
         flushed(kUnreachable);
-        complain(loss.what());
-        std::fprintf(stderr, "%s\n", loss.advice().c_str());
-        return kUnreachable;
+        return complainOfLoss(loss, connection.tried());
     } catch (const client::Refused& refusal) {
         flushed(kRefused);
         complain(refusal.what());
         return kRefused;
     }
+}
+
+int runOnBus(const Options& options) {
+    try {
+        Connection connection(options.bus, std::max(timeOf(options.timeoutSeconds), kLastAnswer));
+        limitTime(connection.daemon(), options);
+        return runCommandOn(connection, options);
+    } catch (const client::Unreachable& loss) {
+        return complainOfLoss(loss, "");
+    }
+}
+
+// The exit status alone is left, with the report's progress gone too.
+void closeStandardError() {
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (nowhere < 0) return;
+    dup2(nowhere, STDERR_FILENO);
+    close(nowhere);
 }
 
 // The bus must not get the descriptor of a standard output that was closed.
@@ -63,9 +103,12 @@ int run(int argc, const char* const* argv) {
     // Whether the terminal takes UTF-8; numbers stay as they are everywhere.
     std::setlocale(LC_CTYPE, "");  // one thread; NOLINT(concurrency-mt-unsafe)
     try {
+        // For the shells' completion; people need not know it.
+        if (argc == 3 && argv[1] == std::string("complete")) return complete(argv[2]);
         int status = kDone;
         const auto options = parseOptions(argc, argv, status);
         if (!options) return status;
+        if (options->quiet) closeStandardError();
         return options->snapshot.empty() ? runOnBus(*options) : reportOfSnapshot(*options);
     } catch (const std::exception& error) {
         complain(error.what());

@@ -18,4 +18,12 @@ SetOutcome judgeSet(const std::string& given, const std::string& before, const s
     return {false, "it reads back as something else"};
 }
 
+std::string reasonOfRefusal(const std::string& given, const std::string& refusal) {
+    if (refusal.rfind("Logic error", 0) != 0 || TR::Utils::leadingNumber(given)) return refusal;
+    const std::size_t digit = given.find_first_of("0123456789");
+    const bool isNumber =
+        digit != std::string::npos && given.find_first_not_of(" \t\n\v\f\r+-") == digit;
+    return isNumber ? "the number does not fit into 64 bits" : "it is not a number";
+}
+
 }  // namespace trctl

@@ -15,4 +15,8 @@ struct SetOutcome {
 /// without the white space at its end, which a setting kept by UCI loses.
 SetOutcome judgeSet(const std::string& given, const std::string& before, const std::string& after);
 
+/// Why the daemon refuses a value, in people's words: for a text that does not convert to the
+/// number that the parameter holds it has only "Logic error".
+std::string reasonOfRefusal(const std::string& given, const std::string& refusal);
+
 }  // namespace trctl

@@ -44,6 +44,10 @@ TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
                                {"wait", "--timeout", "-1"},
                                {"wait", "a"},
                                {"--color", "blue", "list"},
+                               {"watch", "--interval", "nan"},
+                               {"--timeout", "0", "list"},
+                               {"list", "--timeout", "86401"},
+                               {"help", "nonsense"},
                                {"list", "--bus"}}) {
         const Parsed parsed = parse(words);
         EXPECT_FALSE(parsed.options.has_value());
@@ -53,13 +57,78 @@ TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
     }
 }
 
+TEST(OptionsTest, AComplaintIsASentenceThatNamesTheWord) {
+    const std::vector<std::pair<Words, std::string>> complaints = {
+        {{}, "a command is missing"},
+        {{"gte", "x"}, "there is no command `gte`; did you mean `get`?"},
+        {{"delete"}, "there is no command `delete`"},
+        {{"help", "wahtc"}, "there is no command `wahtc`; did you mean `watch`?"},
+        {{"get"}, "`get` needs PATH"},
+        {{"get", "--jso", "a"}, "there is no option `--jso`; did you mean `--json`?"},
+        {{"--quite", "list"}, "there is no option `--quite`; did you mean `--quiet`?"},
+        {{"list", "--xyz=5"}, "there is no option `--xyz`"},
+        {{"list", "--bus"}, "--bus needs a value"},
+        {{"list", "--bus", "a", "--bus", "b"}, "--bus is given more than once"},
+        {{"get", "a", "--json=x"}, "--json takes no value"},
+        {{"wait", "--timeout", "x"}, "--timeout: not a number from 0 to 86400: `x`"},
+        {{"watch", "--interval", "0"}, "--interval: not a number from 0.05 to 86400: `0`"},
+        {{"--color", "blue", "list"}, "--color: not auto, always or never: `blue`"},
+        {{"report", "--seconds", "1", "--snapshot", "a"},
+         "--seconds and --snapshot do not go together"},
+        {{"changes", "a"}, "`changes` takes no further argument: `a`"}};
+    for (const auto& [words, complaint] : complaints)
+        EXPECT_EQ(parse(words).errors.substr(0, parse(words).errors.find('\n')),
+                  "trctl: " + complaint);
+}
+
+TEST(OptionsTest, AValueThatLooksLikeAnOptionGetsAHint) {
+    const std::string errors = parse({"set", "a", "-x"}).errors;
+    EXPECT_NE(errors.find("`-x`; a value that begins with a dash stands behind --"),
+              std::string::npos)
+        << errors;
+    EXPECT_EQ(parse({"get", "a", "-x"}).errors.find("behind --"), std::string::npos);
+}
+
+TEST(OptionsTest, AComplaintNamesTheHelpThatFits) {
+    EXPECT_NE(parse({"gte"}).errors.find("information: trctl --help\n"), std::string::npos);
+    EXPECT_NE(parse({"get"}).errors.find("information: trctl get --help\n"), std::string::npos);
+}
+
+TEST(OptionsTest, HelpShowsNoTextOfTheLibrary) {
+    for (const char* command : {"watch", "wait", "report"}) {
+        const std::string help = parse({command, "--help"}).output;
+        EXPECT_EQ(help.find("FLOAT"), std::string::npos) << help;
+        EXPECT_NE(help.find(" to 86400, default "), std::string::npos) << help;
+    }
+}
+
+TEST(OptionsTest, HelpOfACommandIsTheSameInBothForms) {
+    const std::string whole = parse({"--help"}).output;
+    EXPECT_EQ(parse({"help"}).output, whole);
+    EXPECT_EQ(parse({"help"}).status, kDone);
+    for (const CommandShape& command : commandLineShape().commands) {
+        const Parsed parsed = parse({"help", command.name});
+        EXPECT_EQ(parsed.output, parse({command.name, "--help"}).output);
+        EXPECT_EQ(parsed.status, kDone);
+        EXPECT_NE(parsed.output, whole);
+    }
+}
+
+TEST(OptionsTest, TheTimeLimitOfWaitIsTheCommonOne) {
+    EXPECT_EQ(parse({"list"}).options->timeoutSeconds, 30);
+    EXPECT_EQ(parse({"list", "--timeout", "2.5"}).options->timeoutSeconds, 2.5);
+    EXPECT_EQ(parse({"--timeout", "5", "wait"}).options->timeoutSeconds, 5);
+    EXPECT_EQ(parse({"wait", "--timeout", "0"}).options->timeoutSeconds, 0);
+    EXPECT_EQ(parse({"--timeout", "5", "wait", "--timeout", "6"}).options->timeoutSeconds, 6);
+}
+
 TEST(OptionsTest, AComplaintShowsNoControlCharacters) {
     EXPECT_EQ(parse({"get", "--\x1b[31m"}).errors.find('\x1b'), std::string::npos);
 }
 
 TEST(OptionsTest, HelpHasExamplesAndExits0) {
     for (const char* command :
-         {"get", "set", "list", "tree", "info", "watch", "wait", "diff", "changes"}) {
+         {"get", "set", "list", "tree", "info", "watch", "wait", "diff", "changes", "help"}) {
         const Parsed parsed = parse({command, "--help"});
         EXPECT_FALSE(parsed.options.has_value());
         EXPECT_EQ(parsed.status, kDone);
@@ -67,6 +136,7 @@ TEST(OptionsTest, HelpHasExamplesAndExits0) {
     }
     EXPECT_NE(parse({"--help"}).output.find("Examples:"), std::string::npos);
     EXPECT_EQ(parse({"--version"}).output.substr(0, 6), "trctl ");
+    EXPECT_EQ(parse({"-V"}).output, parse({"--version"}).output);
 }
 
 TEST(OptionsTest, AValueMayBeAnything) {
@@ -83,12 +153,13 @@ TEST(OptionsTest, AValueMayBeAnything) {
 
 TEST(OptionsTest, CommonOptionsMayComeAfterTheCommand) {
     const Parsed parsed =
-        parse({"get", "a", "--bus", "unix:path=/x", "--json", "b", "--color=always"});
+        parse({"get", "a", "--bus", "unix:path=/x", "--json", "b", "--color=always", "-q"});
     ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
     EXPECT_EQ(parsed.options->bus, "unix:path=/x");
     EXPECT_EQ(parsed.options->paths, (Words{"a", "b"}));
     EXPECT_TRUE(parsed.options->json);
     EXPECT_EQ(parsed.options->color, ColorMode::Always);
+    EXPECT_TRUE(parsed.options->quiet);
     EXPECT_EQ(parsed.options->command, "get");
 }
 

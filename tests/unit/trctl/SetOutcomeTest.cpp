@@ -48,4 +48,15 @@ TEST(SetOutcomeTest, AnythingElseThatIsReadBackIsNotTaken) {
     EXPECT_FALSE(judgeSet("99999999999999999999", "5", "9223372036854775807").isTaken);
 }
 
+TEST(SetOutcomeTest, ATextThatIsNotANumberIsExplained) {
+    const std::string refusal = "Logic error (org.freedesktop.DBus.Error.Failed)";
+    for (const char* text : {"", "ten", "-", "x5", "$5"})
+        EXPECT_EQ(trctl::reasonOfRefusal(text, refusal), "it is not a number") << text;
+    EXPECT_EQ(trctl::reasonOfRefusal("99999999999999999999", refusal),
+              "the number does not fit into 64 bits");
+    EXPECT_EQ(trctl::reasonOfRefusal(" -99999999999999999999x", refusal),
+              "the number does not fit into 64 bits");
+    EXPECT_EQ(trctl::reasonOfRefusal("ten", "too large"), "too large");
+}
+
 }  // namespace
