@@ -1,6 +1,7 @@
 #include "trctl/Commands.h"
 
 #include "client/Json.h"
+#include "trctl/Pattern.h"
 #include "trctl/Reader.h"
 #include "trctl/SetOutcome.h"
 #include "trctl/Text.h"
@@ -19,11 +20,13 @@ bool contains(const Addresses& list, const std::string& address) {
 
 // Why a path is not found; empty for an object with nothing beneath it.
 std::string faultOf(const std::string& path, const Addresses& all) {
-    if (isObject(path) && contains(all, path)) return "";
+    if (isObject(path) && !selectThemselves(all, {path}).found.empty()) return "";
     const std::string object = path + '.';
     if (!isObject(path) && !select(all, {object}).found.empty())
-        return path + " is an object; for everything beneath it write " + object;
-    if (path.find_first_of("*?[") != std::string::npos) return "nothing matches " + path;
+        return path + (Pattern::isPattern(path) ? " names only objects" : " is an object") +
+               "; for everything beneath " + (Pattern::isPattern(path) ? "them" : "it") +
+               " write " + object;
+    if (Pattern::isPattern(path)) return "nothing matches " + path;
     return "there is no " + path;
 }
 

@@ -16,8 +16,8 @@ constexpr char kAbout[] =
 
 constexpr char kFooter[] =
     "A PATH is a parameter (Device.DeviceInfo.UpTime), an object with its point for everything\n"
-    "beneath it (Device.IP.), or a shell pattern in quotes ('*.Stats.Bytes*'), in which * also\n"
-    "matches points. Control characters are escaped.\n"
+    "beneath it (Device.IP.), or a shell pattern in quotes ('**.Stats.Bytes*'): * ? [...] stay\n"
+    "within a level, ** crosses levels. Control characters are escaped.\n"
     "\n"
     "Exit status: 0; 1 refused, not found or different; 2 a wrong call; 3 no bus or no daemon.\n"
     "\n"
@@ -30,7 +30,7 @@ constexpr char kFooter[] =
 constexpr char kGetExamples[] =
     "Examples:\n"
     "  trctl get Device.DeviceInfo.UpTime\n"
-    "  trctl get Device.IP. '*.Stats.Bytes*'\n"
+    "  trctl get Device.IP. '**.Stats.Bytes*'\n"
     "  trctl get --json Device. >saved.json";
 constexpr char kSetExamples[] =
     "The daemon does not report whether it took a value, so it is read back.\n"
@@ -44,11 +44,12 @@ constexpr char kListExamples[] =
     "  trctl list\n"
     "  trctl list Device.IP. --parameters\n"
     "  trctl list --level Device.\n"
+    "  trctl list --level '**.Stats.'\n"
     "  trctl list --long Device.DeviceInfo.";
 constexpr char kTreeExamples[] =
     "Examples:\n"
     "  trctl tree Device.IP.\n"
-    "  trctl tree '*.Status' --ascii";
+    "  trctl tree '**.Status' --ascii";
 constexpr char kInfoExamples[] =
     "Examples:\n"
     "  trctl info Device.DeviceInfo.UpTime\n"
@@ -73,7 +74,7 @@ constexpr char kDiffExamples[] =
     "\n"
     "Examples:\n"
     "  trctl diff saved.json\n"
-    "  trctl diff saved.json 'Device.Services.*.Config.*'";
+    "  trctl diff saved.json 'Device.Services.**.Config.*'";
 constexpr char kChangesExamples[] =
     "Prints the watched parameters that the latest cycle changed, as the CWMP client gets them.\n"
     "The client drops a line that is not valid JSON; trctl marks it and returns status 1.\n"

@@ -147,7 +147,7 @@ TEST_F(TrctlTest, NoCommandAddsAnAddress) {
     }
     run({"changes"});
     run({"tree"});
-    run({"info", "*"});
+    run({"info", "**"});
     EXPECT_EQ(listed(), before);
 }
 

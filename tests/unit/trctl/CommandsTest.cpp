@@ -109,7 +109,7 @@ TEST_F(CommandsTest, GetPrintsAParameterAnObjectOrAPattern) {
     EXPECT_EQ(output_, "D.A.Rate = 5\n");
     EXPECT_EQ(run("get", {"D."}), kDone);
     EXPECT_EQ(output_, "D.A.Mode = auto\nD.A.Rate = 5\nD.Name = box\\x1b\n");
-    EXPECT_EQ(run("get", {"*e"}), kDone);
+    EXPECT_EQ(run("get", {"**e"}), kDone);
     EXPECT_EQ(output_, "D.A.Mode = auto\nD.A.Rate = 5\nD.Name = box\\x1b\n");
 }
 
@@ -187,7 +187,7 @@ TEST_F(CommandsTest, ListPrintsAddressesOrOneLevelOfThem) {
     options_.level = true;
     EXPECT_EQ(run("list", {"D."}), kDone);
     EXPECT_EQ(output_, "D.A.\nD.Empty.\nD.Name\n");
-    EXPECT_EQ(run("list", {"*Rate", "D.A."}), kDone);
+    EXPECT_EQ(run("list", {"**Rate", "D.A."}), kDone);
     EXPECT_EQ(output_, "D.A.Rate\nD.A.Mode\nD.A.Rate\n");
     options_.parametersOnly = true;
     EXPECT_EQ(run("list", {"D."}), kDone);
@@ -195,6 +195,26 @@ TEST_F(CommandsTest, ListPrintsAddressesOrOneLevelOfThem) {
     options_.level = false;
     EXPECT_EQ(run("list"), kDone);
     EXPECT_EQ(output_, "D.A.Mode\nD.A.Rate\nD.Name\n");
+}
+
+TEST_F(CommandsTest, OneLevelBeneathAPatternsObjectsIsListed) {
+    options_.level = true;
+    EXPECT_EQ(run("list", {"D.*."}), kDone);
+    EXPECT_EQ(output_, "D.A.Mode\nD.A.Rate\n");
+    EXPECT_EQ(run("list", {"D.?"}), kDone);
+    EXPECT_EQ(output_, "D.A.\n");
+    EXPECT_EQ(run("list", {"D.E*."}), kDone);
+    EXPECT_EQ(output_ + errors_, "");
+    EXPECT_EQ(run("list", {"*.*.*."}), kRefused);
+    EXPECT_EQ(errors_, "trctl: nothing matches *.*.*.\n");
+}
+
+TEST_F(CommandsTest, APatternThatNamesOnlyObjectsIsNotEnoughForGet) {
+    EXPECT_EQ(run("get", {"D.[AE]*"}), kRefused);
+    EXPECT_EQ(errors_,
+              "trctl: D.[AE]* names only objects; for everything beneath them write D.[AE]*.\n");
+    EXPECT_EQ(run("list", {"D.[AE]*"}), kDone);
+    EXPECT_EQ(output_, "D.A.\nD.Empty.\n");
 }
 
 TEST_F(CommandsTest, ALongListHasFlagsTypeAndValue) {
@@ -245,7 +265,7 @@ TEST_F(CommandsTest, WaitHasATimeLimit) {
 TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {
     EXPECT_EQ(run("tree"), kDone);
     EXPECT_NE(output_.find("Empty.\n"), std::string::npos);
-    EXPECT_EQ(run("tree", {"*Rate"}), kDone);
+    EXPECT_EQ(run("tree", {"**Rate"}), kDone);
     EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3);
 }
 
