@@ -6,6 +6,7 @@
 
 #include <iostream>
 #include <map>
+#include <set>
 
 namespace trctl {
 
@@ -31,14 +32,29 @@ constexpr char kGetExamples[] =
     "Examples:\n"
     "  trctl get Device.DeviceInfo.UpTime\n"
     "  trctl get Device.IP. '**.Stats.Bytes*'\n"
-    "  trctl get --json Device. >saved.json";
+    "  trctl get --json Device. >saved.json\n"
+    "  trctl get --value Device.DeviceInfo.UpTime";
 constexpr char kSetExamples[] =
-    "The daemon does not report whether it took a value, so it is read back.\n"
+    "The daemon does not report whether it took a value, so it is read back. Nothing is written\n"
+    "unless all parameters exist and are writable. - reads standard input, without a line end at\n"
+    "its end; PATH=- writes a dash.\n"
     "\n"
     "Examples:\n"
+    "  trctl set Device.A=1 Device.B=2\n"
+    "  trctl set Device.Some.Text - <file\n"
     "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost 10.0.0.9\n"
     "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost ''\n"
     "  trctl set Device.Some.Text -- --starts-with-dashes";
+constexpr char kRestoreExamples[] =
+    "Writes the saved values of FILE that differ, where the daemon takes them; - is standard "
+    "input.\n"
+    "Prints them as diff does. What it leaves alone is counted on standard error: read-only\n"
+    "parameters that differ, parameters that no longer exist, masked and garbled values.\n"
+    "Exit status: 0 all is as saved, 1 a value did not take, 2 FILE cannot be used.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl restore saved.json --dry-run\n"
+    "  trctl restore saved.json 'Device.Services.**.Config.*'";
 constexpr char kListExamples[] =
     "Examples:\n"
     "  trctl list\n"
@@ -49,6 +65,7 @@ constexpr char kListExamples[] =
 constexpr char kTreeExamples[] =
     "Examples:\n"
     "  trctl tree Device.IP.\n"
+    "  trctl tree Device. --depth 2\n"
     "  trctl tree '**.Status' --ascii";
 constexpr char kInfoExamples[] =
     "Examples:\n"
@@ -70,7 +87,8 @@ constexpr char kWaitExamples[] =
 constexpr char kDiffExamples[] =
     "FILE is saved output of `trctl get --json`; - is standard input. Lines with - are the "
     "file's,\n"
-    "with + the daemon's. Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
+    "with + the daemon's. Without PATH it compares the part of the tree that was saved.\n"
+    "Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
     "\n"
     "Examples:\n"
     "  trctl diff saved.json\n"
@@ -102,10 +120,19 @@ CLI::Option* addPaths(CLI::App* command, Options& options, const char* about) {
     return command->add_option("PATH", options.paths, about)->type_name("");
 }
 
+void addWide(CLI::App* command, Options& options) {
+    command->add_flag("--wide", options.wide, "Cut nothing to fit the terminal");
+}
+
 void addReading(CLI::App& app, Options& options) {
     CLI::App* get = add(app, "get", "Print values, as `address = value`", kGetExamples);
     addPaths(get, options, "What to print")->required();
-    get->add_flag("--json", options.json, "As one JSON object");
+    CLI::Option* json = get->add_flag("--json", options.json, "As one JSON object");
+    CLI::Option* values =
+        get->add_flag("--value", options.valueOnly, "Values alone, not escaped, one a line")
+            ->excludes(json);
+    get->add_flag("-0", options.endWithNul, "End each of these with a NUL instead")->needs(values);
+    addWide(get, options);
 
     CLI::App* list = add(app, "list", "Print addresses, objects too", kListExamples);
     addPaths(list, options, "What to list; all of it otherwise");
@@ -113,20 +140,75 @@ void addReading(CLI::App& app, Options& options) {
     list->add_flag("--level", options.level, "Only the level right beneath PATH");
     list->add_flag("--long", options.isLong,
                    "With flags (w writable, i in every Inform), type and value");
+    list->add_flag("--json", options.json, "As a JSON array");
+    addWide(list, options);
 
     CLI::App* tree =
         add(app, "tree", "Draw the tree, with values beside the leaves", kTreeExamples);
     addPaths(tree, options, "What to draw; all of it otherwise");
     tree->add_flag("--ascii", options.ascii, "With ASCII strokes in a UTF-8 locale too");
+    tree->add_option("--depth", options.depth, "Draw this many levels beneath PATH")
+        ->check(CLI::Range(1U, 10'000U))
+        ->type_name("LEVELS");
+    tree->add_flag("--json", options.json, "As JSON objects in objects");
+    addWide(tree, options);
 
     CLI::App* info = add(app, "info", "Print value, writable, forced inform", kInfoExamples);
     addPaths(info, options, "Parameters or objects")->required();
+    addWide(info, options);
 }
 
-void addWriting(CLI::App& app, Options& options) {
-    CLI::App* set = add(app, "set", "Write a parameter, and read it back", kSetExamples);
-    set->add_option("PATH", options.parameter, "The parameter")->required()->type_name("");
-    set->add_option("VALUE", options.value, "What to write")->required()->type_name("");
+/// The words of `set`, which become assignments when all of them are there.
+struct SetWords {
+    std::string first;
+    std::string second;
+    bool hasSecond = false;
+    std::vector<std::string> more;
+};
+
+// Throws CLI::ParseError for words that are not assignments.
+void takeAssignments(const SetWords& words, Options& options) {
+    const auto hasSign = [](const std::string& word) {
+        return word.find('=') != std::string::npos;
+    };
+    if (!hasSign(words.first) && words.hasSecond && words.more.empty()) {
+        options.assignments = {{words.first, words.second}};
+        options.valueFromInput = words.second == "-";
+        return;
+    }
+    std::vector<std::string> all = {words.first};
+    if (words.hasSecond) all.push_back(words.second);
+    all.insert(all.end(), words.more.begin(), words.more.end());
+    std::set<std::string> paths;
+    for (const std::string& word : all) {
+        if (!hasSign(word)) throw CLI::ValidationError("set", word + " is not PATH=VALUE");
+        const std::size_t sign = word.find('=');
+        options.assignments.push_back({word.substr(0, sign), word.substr(sign + 1)});
+        if (!paths.insert(options.assignments.back().path).second)
+            throw CLI::ValidationError("set", options.assignments.back().path + " is there twice");
+    }
+}
+
+void addWriting(CLI::App& app, Options& options, SetWords& words) {
+    CLI::App* set = add(app, "set", "Write parameters, and read them back", kSetExamples);
+    set->add_option("PATH", words.first, "The parameter, or PATH=VALUE")->required()->type_name("");
+    set->add_option_function<std::string>(
+           "VALUE",
+           [&words](const std::string& value) {
+               words.second = value;
+               words.hasSecond = true;
+           },
+           "What to write; - reads standard input")
+        ->type_name("");
+    set->add_option("PATH=VALUE", words.more, "More of them")->type_name("");
+    addWide(set, options);
+    set->callback([&] { takeAssignments(words, options); });
+
+    CLI::App* restore = add(app, "restore", "Write a saved `get --json` back", kRestoreExamples);
+    restore->add_option("FILE", options.file, "The saved values")->required()->type_name("");
+    addPaths(restore, options, "What to write back; all of it otherwise");
+    restore->add_flag("--dry-run", options.dryRun, "Print what it would write, write nothing");
+    addWide(restore, options);
 }
 
 void addWaiting(CLI::App& app, Options& options) {
@@ -150,9 +232,13 @@ void addWaiting(CLI::App& app, Options& options) {
 void addComparing(CLI::App& app, Options& options) {
     CLI::App* diff = add(app, "diff", "Compare with a saved `get --json`", kDiffExamples);
     diff->add_option("FILE", options.file, "The saved values")->required()->type_name("");
-    addPaths(diff, options, "What to compare; all of it otherwise");
+    addPaths(diff, options, "What to compare; what was saved otherwise");
+    diff->add_flag("--json", options.json, "As a JSON array");
+    addWide(diff, options);
 
-    add(app, "changes", "Print the pending change lines, checked", kChangesExamples);
+    CLI::App* changes =
+        add(app, "changes", "Print the pending change lines, checked", kChangesExamples);
+    changes->add_flag("--json", options.json, "As a JSON array");
 }
 
 void addReport(CLI::App& app, Options& options) {
@@ -189,10 +275,11 @@ void addCommon(CLI::App& app, Options& options) {
 
 std::optional<Options> parseOptions(int argc, const char* const* argv, int& status) {
     Options options;
+    SetWords setWords;
     CLI::App app(kAbout, "trctl");
     addCommon(app, options);
     addReading(app, options);
-    addWriting(app, options);
+    addWriting(app, options, setWords);
     addWaiting(app, options);
     addComparing(app, options);
     addReport(app, options);
