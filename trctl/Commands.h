@@ -40,6 +40,9 @@ int complainOfUnmatched(Context& context, const Addresses& unmatched);
 /// The value, or the reason why the daemon refuses it.
 std::string valueOrReason(client::Daemon& daemon, const std::string& address);
 
+/// object, integer or string.
+const char* typeOf(const std::string& address, const std::string& value);
+
 /// A line `address = value`, escaped.
 std::string valueLine(const std::string& address, const std::string& value);
 

@@ -23,13 +23,6 @@ Addresses levelOf(const Addresses& all, const Addresses& paths) {
     return level;
 }
 
-// The bus carries texts only, so the type is the one that the text looks like.
-const char* typeOf(const std::string& address, const std::string& value) {
-    if (isObject(address)) return "object";
-    const auto number = TR::Utils::leadingNumber(value);
-    return number && std::to_string(*number) == value ? "integer" : "string";
-}
-
 // Nothing when the daemon refuses the value.
 std::optional<LongRow> rowOf(Context& context, Reader& reader, const std::string& address) {
     const auto value = isObject(address) ? std::string() : reader.value(address);
@@ -76,6 +69,13 @@ Addresses chosen(const Options& options, const Addresses& all, const Selection& 
 }
 
 }  // namespace
+
+// The bus carries texts only, so the type is the one that the text looks like.
+const char* typeOf(const std::string& address, const std::string& value) {
+    if (isObject(address)) return "object";
+    const auto number = TR::Utils::leadingNumber(value);
+    return number && std::to_string(*number) == value ? "integer" : "string";
+}
 
 int list(Context& context) {
     const Options& options = context.options;

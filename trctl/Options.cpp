@@ -158,29 +158,21 @@ void addReading(CLI::App& app, Options& options) {
     addWide(info, options);
 }
 
-/// The words of `set`, which become assignments when all of them are there.
-struct SetWords {
-    std::string first;
-    std::string second;
-    bool hasSecond = false;
-    std::vector<std::string> more;
-};
-
-// Throws CLI::ParseError for words that are not assignments.
-void takeAssignments(const SetWords& words, Options& options) {
+// The words of `set`: a path and a value, or PATH=VALUE each. Throws CLI::ParseError.
+void takeAssignments(Options& options, bool hasValue) {
     const auto hasSign = [](const std::string& word) {
         return word.find('=') != std::string::npos;
     };
-    if (!hasSign(words.first) && words.hasSecond && words.more.empty()) {
-        options.assignments = {{words.first, words.second}};
-        options.valueFromInput = words.second == "-";
+    if (!hasSign(options.parameter) && hasValue && options.more.empty()) {
+        options.assignments = {{options.parameter, options.value}};
+        options.valueFromInput = options.value == "-";
         return;
     }
-    std::vector<std::string> all = {words.first};
-    if (words.hasSecond) all.push_back(words.second);
-    all.insert(all.end(), words.more.begin(), words.more.end());
+    std::vector<std::string> words = {options.parameter};
+    if (hasValue) words.push_back(options.value);
+    words.insert(words.end(), options.more.begin(), options.more.end());
     std::set<std::string> paths;
-    for (const std::string& word : all) {
+    for (const std::string& word : words) {
         if (!hasSign(word)) throw CLI::ValidationError("set", word + " is not PATH=VALUE");
         const std::size_t sign = word.find('=');
         options.assignments.push_back({word.substr(0, sign), word.substr(sign + 1)});
@@ -189,20 +181,17 @@ void takeAssignments(const SetWords& words, Options& options) {
     }
 }
 
-void addWriting(CLI::App& app, Options& options, SetWords& words) {
+void addWriting(CLI::App& app, Options& options) {
     CLI::App* set = add(app, "set", "Write parameters, and read them back", kSetExamples);
-    set->add_option("PATH", words.first, "The parameter, or PATH=VALUE")->required()->type_name("");
-    set->add_option_function<std::string>(
-           "VALUE",
-           [&words](const std::string& value) {
-               words.second = value;
-               words.hasSecond = true;
-           },
-           "What to write; - reads standard input")
+    set->add_option("PATH", options.parameter, "The parameter, or PATH=VALUE")
+        ->required()
         ->type_name("");
-    set->add_option("PATH=VALUE", words.more, "More of them")->type_name("");
+    CLI::Option* value =
+        set->add_option("VALUE", options.value, "What to write; - reads standard input")
+            ->type_name("");
+    set->add_option("PATH=VALUE", options.more, "More of them")->type_name("");
     addWide(set, options);
-    set->callback([&] { takeAssignments(words, options); });
+    set->callback([&options, value] { takeAssignments(options, value->count() != 0); });
 
     CLI::App* restore = add(app, "restore", "Write a saved `get --json` back", kRestoreExamples);
     restore->add_option("FILE", options.file, "The saved values")->required()->type_name("");
@@ -275,11 +264,10 @@ void addCommon(CLI::App& app, Options& options) {
 
 std::optional<Options> parseOptions(int argc, const char* const* argv, int& status) {
     Options options;
-    SetWords setWords;
     CLI::App app(kAbout, "trctl");
     addCommon(app, options);
     addReading(app, options);
-    addWriting(app, options, setWords);
+    addWriting(app, options);
     addWaiting(app, options);
     addComparing(app, options);
     addReport(app, options);

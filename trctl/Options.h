@@ -25,7 +25,10 @@ struct Options {
     std::string bus;
     ColorMode color = ColorMode::Auto;
     std::vector<std::string> paths;
-    std::vector<Assignment> assignments;  ///< what `set` writes, in order
+    std::string parameter;  ///< the one that is to be set
+    std::string value;
+    std::vector<std::string> more;        ///< the words of `set` behind these two
+    std::vector<Assignment> assignments;  ///< what these words mean, in order
     bool valueFromInput = false;          ///< the value of the only one is standard input
     std::string file;
     bool dryRun = false;

@@ -44,7 +44,7 @@ json_object* shapeOf(const LongRow& row) {
     json_object_object_add(object, "forcedInform",
                            json_object_new_boolean(row.isForcedInform ? 1 : 0));
     json_object_object_add(object, "type", jsonOf(row.type));
-    if (!isObject(row.address)) json_object_object_add(object, "value", jsonOf(row.value));
+    json_object_object_add(object, "value", isObject(row.address) ? nullptr : jsonOf(row.value));
     return object;
 }
 

@@ -22,7 +22,7 @@ struct LongRow {
     std::string type;
     std::string value;
 };
-/// An array of objects; those of type "object" have no value.
+/// An array of objects; the value of an object is null.
 std::string listJson(const std::vector<LongRow>& rows);
 
 /// Objects in objects, from the top. Names are without their points; an object keeps it where a
