@@ -34,9 +34,13 @@ _trctl_files() { # _trctl_files WORD
 _trctl_options() { # _trctl_options COMMAND WORD
     local common=(--help --bus --color)
     case $1 in
-        get) _trctl_offer "$2" "${common[@]}" --json ;;
-        list) _trctl_offer "$2" "${common[@]}" --parameters --level --long ;;
-        tree) _trctl_offer "$2" "${common[@]}" --ascii ;;
+        get) _trctl_offer "$2" "${common[@]}" --json --value --wide ;;
+        list) _trctl_offer "$2" "${common[@]}" --parameters --level --long --json --wide ;;
+        tree) _trctl_offer "$2" "${common[@]}" --ascii --depth --json --wide ;;
+        set | info) _trctl_offer "$2" "${common[@]}" --wide ;;
+        restore) _trctl_offer "$2" "${common[@]}" --dry-run --wide ;;
+        diff) _trctl_offer "$2" "${common[@]}" --json --wide ;;
+        changes) _trctl_offer "$2" "${common[@]}" --json ;;
         watch) _trctl_offer "$2" "${common[@]}" --interval --plot --ascii ;;
         wait) _trctl_offer "$2" "${common[@]}" --timeout ;;
         report) _trctl_offer "$2" "${common[@]}" --seconds --snapshot ;;
@@ -47,7 +51,7 @@ _trctl_options() { # _trctl_options COMMAND WORD
 
 _trctl() {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} name='' index positionals=0
-    local names=(get set list tree info watch wait diff changes report)
+    local names=(get set restore list tree info watch wait diff changes report)
     COMPREPLY=()
     for ((index = 1; index < COMP_CWORD; ++index)); do
         if [[ ! $name && " ${names[*]} " == *" ${COMP_WORDS[index]} "* ]]; then
@@ -58,7 +62,7 @@ _trctl() {
     done
     case $previous in
         --color) _trctl_offer "$word" auto always never && return ;;
-        --bus | --interval | --timeout | --seconds) return ;;
+        --bus | --interval | --timeout | --seconds | --depth) return ;;
         --snapshot) _trctl_files "$word" && return ;;
     esac
     if [[ $word == -* ]]; then
@@ -73,7 +77,7 @@ _trctl() {
             _trctl_files "$word"
             ((${#COMPREPLY[@]} > 0)) || _trctl_paths "$word"
             ;;
-        diff)
+        diff | restore)
             if ((positionals == 0)); then
                 _trctl_files "$word"
             else

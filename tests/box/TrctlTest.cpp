@@ -371,10 +371,10 @@ TEST_F(TrctlTest, CompletionOffersCommandsAndTheirOptions) {
     start();
     EXPECT_EQ(bash(completions("wa")).output, "watch\nwait\n");
     EXPECT_EQ(bash(completions("''")).output,
-              "get\nset\nlist\ntree\ninfo\nwatch\nwait\ndiff\nchanges\nreport\n");
+              "get\nset\nrestore\nlist\ntree\ninfo\nwatch\nwait\ndiff\nchanges\nreport\n");
     EXPECT_EQ(bash(completions("watch --p")).output, "--plot\n");
     EXPECT_EQ(bash(completions("list --")).output,
-              "--help\n--bus\n--color\n--parameters\n--level\n--long\n");
+              "--help\n--bus\n--color\n--parameters\n--level\n--long\n--json\n--wide\n");
     EXPECT_EQ(bash(completions("report --s")).output, "--seconds\n--snapshot\n");
     EXPECT_EQ(bash(completions("--color a")).output, "auto\nalways\n");
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <string>
 
 namespace {
@@ -43,6 +44,18 @@ TEST_F(CommandsTest, GetAsJsonHasRawValuesAsEscapes) {
     options_.json = true;
     EXPECT_EQ(run("get", {"D.Name"}), kDone);
     EXPECT_EQ(output_, "{\n  \"D.Name\": \"box\\u001b\"\n}\n");
+}
+
+TEST_F(CommandsTest, GetPrintsValuesAloneAsTheyAre) {
+    options_.valueOnly = true;
+    daemon_.entries["D.A.Mode"].value = "a\nb\\";
+    EXPECT_EQ(run("get", {"D.A.", "D.Name"}), kDone);
+    EXPECT_EQ(output_, "a\nb\\\n5\nbox\x1b\n");
+    options_.endWithNul = true;
+    EXPECT_EQ(run("get", {"D.A."}), kDone);
+    EXPECT_EQ(output_, std::string("a\nb\\\0"
+                                   "5\0",
+                                   7));
 }
 
 TEST_F(CommandsTest, SetPrintsWhatTheParameterReadsAsAfterwards) {
@@ -174,6 +187,28 @@ TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {
     EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3);
 }
 
+TEST_F(CommandsTest, ATreeHasTheLevelsThatAreAskedFor) {
+    options_.ascii = true;
+    options_.depth = 1;
+    EXPECT_EQ(run("tree"), kDone);
+    EXPECT_EQ(output_, "D.\n");
+    daemon_.calls = 0;
+    EXPECT_EQ(run("tree", {"D."}), kDone);
+    EXPECT_EQ(output_, "D.\n|-- A.\n|-- Empty.\n`-- Name = box\\x1b\n");
+    EXPECT_EQ(daemon_.calls, 2U) << "only what is drawn is read";
+    options_.depth = 2;
+    EXPECT_EQ(run("tree"), kDone);
+    EXPECT_EQ(output_, "D.\n|-- A.\n|-- Empty.\n`-- Name = box\\x1b\n");
+    EXPECT_EQ(run("tree", {"**.Rate"}), kDone);
+    EXPECT_EQ(output_, "D.\n`-- A.\n");
+    options_.depth = 1;
+    daemon_.entries["D.A.B.C"] = {"1"};
+    EXPECT_EQ(run("tree", {"D.A.B.", "D.A."}), kDone);
+    EXPECT_EQ(output_,
+              "D.\n`-- A.\n    |-- B.\n    |   `-- C = 1\n    |-- Mode = auto\n"
+              "    `-- Rate = 5\n");
+}
+
 TEST_F(CommandsTest, InfoPrintsTheSettings) {
     EXPECT_EQ(run("info", {"D.A.Mode", "D.Empty."}), kDone);
     EXPECT_EQ(output_,
@@ -203,6 +238,35 @@ TEST_F(CommandsTest, ChangesEscapesTheControlCharactersOfAGoodLine) {
     EXPECT_EQ(run("changes"), kDone);
     EXPECT_NE(output_.find(R"("value": "\u001b]0;x\u0007\u000d")"), std::string::npos) << output_;
     EXPECT_EQ(output_.find('\x1b'), std::string::npos);
+}
+
+TEST_F(CommandsTest, DiffComparesThePartThatWasSaved) {
+    const auto diff = [this](const std::string& json, const Addresses& paths = {}) {
+        options_.file = testing::TempDir() + "trctl-diff.json";
+        std::ofstream(options_.file) << json;
+        daemon_.calls = 0;
+        return run("diff", paths);
+    };
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5"})"), kDone);
+    EXPECT_EQ(daemon_.calls, 2U) << "only what is compared is read";
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5", "D.A.Mode": "auto"})"), kDone);
+    EXPECT_EQ(output_ + errors_, "");
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5", "D.Name": "x"})"), kRefused);
+    EXPECT_EQ(output_, "- D.Name = x\n+ D.Name = box\\x1b\n");
+    daemon_.entries["D.A.New"] = {"1"};
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5", "D.A.Mode": "auto"})"), kRefused);
+    EXPECT_EQ(output_, "+ D.A.New = 1\n");
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5"})", {"D.A."}), kRefused);
+    EXPECT_EQ(output_, "+ D.A.Mode = auto\n+ D.A.New = 1\n");
+}
+
+TEST_F(CommandsTest, AValueThatTheDaemonRefusesDoesNotHideTheRestOfADiff) {
+    options_.file = testing::TempDir() + "trctl-diff.json";
+    std::ofstream(options_.file) << R"({"D.A.Mode": "x", "D.A.Rate": "6"})";
+    daemon_.refused["D.A.Mode"] = true;
+    EXPECT_EQ(run("diff"), kRefused);
+    EXPECT_EQ(output_, "- D.A.Rate = 6\n+ D.A.Rate = 5\n");
+    EXPECT_EQ(errors_, "trctl: D.A.Mode: too large\n");
 }
 
 TEST_F(CommandsTest, NoQueryAddsAnAddress) {
