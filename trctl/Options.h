@@ -11,7 +11,7 @@ namespace trctl {
 /// How a program ends.
 constexpr int kDone = 0;
 constexpr int kRefused = 1;      ///< refused, not found, different
-constexpr int kUsage = 2;        ///< a wrong call, or a file that `diff` cannot use
+constexpr int kUsage = 2;        ///< a wrong call, or a file that cannot be used
 constexpr int kUnreachable = 3;  ///< no bus, no daemon
 
 struct Assignment {
