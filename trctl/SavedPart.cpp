@@ -39,14 +39,20 @@ SavedPart::SavedPart(const Addresses& saved, const Addresses& now) {
         root_ = saved_.empty() ? address : commonObject(root_, address);
         eachLevel(address, [&](const std::string& each) { return saved_.insert(each).second; });
     }
-    std::unordered_set<std::string> counted;
-    for (const std::string& address : now)
-        eachLevel(address, [&](const std::string& each) {
-            if (!counted.insert(each).second) return false;
+    for (const std::string& address : now) count(address);
+}
+
+void SavedPart::count(const std::string& parameter) {
+    eachLevel(
+        parameter,
+        [&](const std::string& each) {
             const std::string object = above(each);
             Level& level = levels_[object];
+            ++level.parameters;
+            level.savedParameters += saved_.count(parameter);
+            if (!counted_.insert(each).second) return true;
             ++level.names;
-            level.saved += saved_.count(each);
+            level.savedNames += saved_.count(each);
             level.hasNumbersOnly = level.hasNumbersOnly && isNumber(each, object.size());
             return true;
         });
@@ -63,7 +69,7 @@ bool SavedPart::isWhole(const std::string& object) {
     const auto known = whole_.find(object);
     if (known != whole_.end()) return known->second;
     const Level& level = levels_[object];
-    bool is = level.saved * 2 > level.names;
+    bool is = level.savedNames * 2 > level.names && level.savedParameters * 2 > level.parameters;
     if (level.hasNumbersOnly || level.names == 1)
         is = object.size() <= root_.size() || isWhole(above(object));
     return whole_[object] = is;

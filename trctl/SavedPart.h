@@ -16,23 +16,27 @@ class SavedPart {
     SavedPart(const Addresses& saved, const Addresses& now);
 
     /// The address branches off, from what the file has, at an object of which the file has more
-    /// than half of the names that the daemon has right beneath it. Where these are the numbers of
-    /// instances, or one name only, the object above decides. Nothing counts that is not beneath
-    /// the object that holds everything in the file.
+    /// than half: of the names that the daemon has right beneath it, and of the parameters at any
+    /// depth. Where the names are the numbers of instances, or there is only one, the object above
+    /// decides. Nothing counts that is not beneath the object that holds everything in the file.
     bool covers(const std::string& address);
 
   private:
     struct Level {
         std::size_t names = 0;
-        std::size_t saved = 0;
+        std::size_t savedNames = 0;
+        std::size_t parameters = 0;
+        std::size_t savedParameters = 0;
         bool hasNumbersOnly = true;
     };
 
+    void count(const std::string& parameter);
     bool isWhole(const std::string& object);
 
     std::string root_;
     std::unordered_set<std::string> saved_;  ///< the file's parameters and all objects above them
-    std::unordered_map<std::string, Level> levels_;
+    std::unordered_map<std::string, Level> levels_;  ///< of the daemon's objects
+    std::unordered_set<std::string> counted_;
     std::unordered_map<std::string, bool> whole_;
 };
 

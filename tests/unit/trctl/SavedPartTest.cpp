@@ -62,6 +62,7 @@ TEST(SavedPartTest, OnlyWhatWasSavedIsThePart) {
                                    {"D.Info.A", "D.Info.B"},
                                    {"D.Info.", "D.IP."},
                                    {"D.Info.", "D.IP.If.1."},
+                                   {"D.Info.A", "D.IP.If.1.Name", "D.Stb."},
                                    {"**.In"},
                                    {"**.Stats.[IO]*"},
                                    {"D.*.If.1."},
