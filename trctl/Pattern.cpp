@@ -70,17 +70,6 @@ void Pattern::addSet(std::string_view pattern, std::size_t& at) {
     at = end;
 }
 
-// What may match nothing is passed at once; the places in the range are in order.
-void Pattern::reach(Places& places, std::size_t place) const {
-    places[place] = true;
-    for (; place < tokens_.size(); ++place) {
-        const Kind kind = tokens_[place].kind;
-        if (kind != Kind::Level && kind != Kind::Levels && kind != Kind::SomeLevels) return;
-        if (kind == Kind::SomeLevels) reach(places, place + 2);  // a point follows it
-        places[place + 1] = true;
-    }
-}
-
 bool Pattern::takes(const Token& token, std::string_view character) {
     switch (token.kind) {
         case Kind::Text:
@@ -97,27 +86,53 @@ bool Pattern::takes(const Token& token, std::string_view character) {
 }
 
 bool Pattern::matches(std::string_view address) const {
-    Places places(tokens_.size() + 1), next;
-    reach(places, 0);
-    bool isAlive = true;
-    while (!address.empty() && isAlive) {
-        const std::string_view character = firstCharacter(address);
-        address.remove_prefix(character.size());
-        next.assign(tokens_.size() + 1, false);
-        isAlive = false;
-        for (std::size_t place = 0; place < tokens_.size(); ++place) {
-            if (!places[place] || !takes(tokens_[place], character)) continue;
-            const Kind kind = tokens_[place].kind;
-            const bool stays =
-                kind == Kind::Level || kind == Kind::Levels || kind == Kind::SomeLevels;
-            // With text taken, its point follows: it cannot match nothing any more.
-            if (stays) next[place] = true;
-            reach(next, place + 1);
-            isAlive = true;
+    // Only the last star of each kind is tried again: what is before it matches as early as it can,
+    // which leaves the most for what follows.
+    Star level, levels;
+    Place place{0, 0};
+    while (place.token < tokens_.size() || place.text < address.size()) {
+        if (place.token < tokens_.size() && isStar(tokens_[place.token])) {
+            const bool isLevel = tokens_[place.token].kind == Kind::Level;
+            (isLevel ? level : levels) = place;
+            if (!isLevel) level.reset();
+            place.token = behind(place.token);
+        } else if (place.token < tokens_.size() && place.text < address.size() &&
+                   takes(tokens_[place.token], firstCharacter(address.substr(place.text)))) {
+            place.text += firstCharacter(address.substr(place.text)).size();
+            ++place.token;
+        } else if (level && grow(*level, address)) {
+            place = {behind(level->token), level->text};
+        } else if (levels && grow(*levels, address)) {
+            level.reset();
+            place = {behind(levels->token), levels->text};
+        } else {
+            return false;
         }
-        places.swap(next);
     }
-    return isAlive && places.back();
+    return true;
+}
+
+bool Pattern::isStar(const Token& token) {
+    return token.kind == Kind::Level || token.kind == Kind::Levels ||
+           token.kind == Kind::SomeLevels;
+}
+
+// The point that follows SomeLevels is a part of what that matches.
+std::size_t Pattern::behind(std::size_t token) const {
+    return token + (tokens_[token].kind == Kind::SomeLevels ? 2 : 1);
+}
+
+bool Pattern::grow(Place& star, std::string_view address) const {
+    const std::string_view rest = address.substr(star.text);
+    if (rest.empty()) return false;
+    const Kind kind = tokens_[star.token].kind;
+    if (kind == Kind::SomeLevels) {
+        const std::size_t point = rest.find('.');
+        star.text += point + 1;
+        return point != std::string_view::npos;
+    }
+    star.text += firstCharacter(rest).size();
+    return kind == Kind::Levels || rest.front() != '.';
 }
 
 bool Pattern::isPattern(std::string_view text) {
