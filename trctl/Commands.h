@@ -21,6 +21,7 @@ struct Context {
 /// Each returns the exit status and throws what the daemon throws.
 int get(Context& context);
 int set(Context& context);
+int restore(Context& context);
 int list(Context& context);
 int tree(Context& context);
 int info(Context& context);
@@ -36,14 +37,13 @@ int runCommand(Context& context);
 /// Reports what was not found and suggests what to write instead. Returns the exit status.
 int complainOfUnmatched(Context& context, const Addresses& unmatched);
 
-/// The text, cut at the right edge of a terminal; \p taken columns are already written.
-std::string fitted(const Context& context, const std::string& text, std::size_t taken);
-
 /// The value, or the reason why the daemon refuses it.
 std::string valueOrReason(client::Daemon& daemon, const std::string& address);
 
-/// A line `address = value`, escaped; \p columns is the room for the address.
-std::string valueLine(const std::string& address, const std::string& value,
-                      std::size_t columns = 0);
+/// object, integer or string.
+const char* typeOf(const std::string& address, const std::string& value);
+
+/// A line `address = value`, escaped.
+std::string valueLine(const std::string& address, const std::string& value);
 
 }  // namespace trctl

@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <iterator>
+#include <set>
 
 namespace trctl {
 
@@ -17,8 +17,8 @@ constexpr char kAbout[] =
 
 constexpr char kFooter[] =
     "A PATH is a parameter (Device.DeviceInfo.UpTime), an object with its point for everything\n"
-    "beneath it (Device.IP.), or a shell pattern in quotes ('*.Stats.Bytes*'), in which * also\n"
-    "matches points. Control characters are escaped.\n"
+    "beneath it (Device.IP.), or a shell pattern in quotes ('**.Stats.Bytes*'): * ? [...] stay\n"
+    "within a level, ** crosses levels. Control characters are escaped.\n"
     "\n"
     "Exit status: 0; 1 refused, not found or different; 2 a wrong call; 3 no bus or no daemon.\n"
     "\n"
@@ -31,25 +31,42 @@ constexpr char kFooter[] =
 constexpr char kGetExamples[] =
     "Examples:\n"
     "  trctl get Device.DeviceInfo.UpTime\n"
-    "  trctl get Device.IP. '*.Stats.Bytes*'\n"
-    "  trctl get --json Device. >saved.json";
+    "  trctl get Device.IP. '**.Stats.Bytes*'\n"
+    "  trctl get --json Device. >saved.json\n"
+    "  trctl get --value Device.DeviceInfo.UpTime";
 constexpr char kSetExamples[] =
-    "The daemon does not report whether it took a value, so it is read back.\n"
+    "The daemon does not report whether it took a value, so it is read back. Nothing is written\n"
+    "unless all parameters exist and are writable. - reads standard input, without a line end at\n"
+    "its end; PATH=- writes a dash.\n"
     "\n"
     "Examples:\n"
+    "  trctl set Device.A=1 Device.B=2\n"
+    "  trctl set Device.Some.Text - <file\n"
     "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost 10.0.0.9\n"
     "  trctl set Device.Services.STBService.1.X_Kelm.Config.SyslogHost ''\n"
     "  trctl set Device.Some.Text -- --starts-with-dashes";
+constexpr char kRestoreExamples[] =
+    "Writes the saved values of FILE that differ, where the daemon takes them; - is standard "
+    "input.\n"
+    "Prints them as diff does. What it leaves alone is counted on standard error: read-only\n"
+    "parameters that differ, parameters that no longer exist, masked and garbled values.\n"
+    "Exit status: 0 all is as saved, 1 a value did not take, 2 FILE cannot be used.\n"
+    "\n"
+    "Examples:\n"
+    "  trctl restore saved.json --dry-run\n"
+    "  trctl restore saved.json 'Device.Services.**.Config.*'";
 constexpr char kListExamples[] =
     "Examples:\n"
     "  trctl list\n"
     "  trctl list Device.IP. --parameters\n"
     "  trctl list --level Device.\n"
+    "  trctl list --level '**.Stats.'\n"
     "  trctl list --long Device.DeviceInfo.";
 constexpr char kTreeExamples[] =
     "Examples:\n"
     "  trctl tree Device.IP.\n"
-    "  trctl tree '*.Status' --ascii";
+    "  trctl tree Device. --depth 2\n"
+    "  trctl tree '**.Status' --ascii";
 constexpr char kInfoExamples[] =
     "Examples:\n"
     "  trctl info Device.DeviceInfo.UpTime\n"
@@ -70,11 +87,12 @@ constexpr char kWaitExamples[] =
 constexpr char kDiffExamples[] =
     "FILE is saved output of `trctl get --json`; - is standard input. Lines with - are the "
     "file's,\n"
-    "with + the daemon's. Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
+    "with + the daemon's. Without PATH it compares the part of the tree that was saved.\n"
+    "Exit status: 0 the same, 1 different, 2 FILE cannot be used.\n"
     "\n"
     "Examples:\n"
     "  trctl diff saved.json\n"
-    "  trctl diff saved.json 'Device.Services.*.Config.*'";
+    "  trctl diff saved.json 'Device.Services.**.Config.*'";
 constexpr char kChangesExamples[] =
     "Prints the watched parameters that the latest cycle changed, as the CWMP client gets them.\n"
     "The client drops a line that is not valid JSON; trctl marks it and returns status 1.\n"
@@ -130,10 +148,19 @@ CLI::Option* addPaths(CLI::App* command, Options& options, const char* about) {
     return command->add_option("PATH", options.paths, about)->type_name("");
 }
 
+void addWide(CLI::App* command, Options& options) {
+    command->add_flag("--wide", options.wide, "Cut nothing to fit the terminal");
+}
+
 void addReading(CLI::App& app, Options& options) {
     CLI::App* get = add(app, "get", "Print values, as `address = value`", kGetExamples);
     addPaths(get, options, "What to print")->required();
-    get->add_flag("--json", options.json, "As one JSON object");
+    CLI::Option* json = get->add_flag("--json", options.json, "As one JSON object");
+    CLI::Option* values =
+        get->add_flag("--value", options.valueOnly, "Values alone, not escaped, one a line")
+            ->excludes(json);
+    get->add_flag("-0", options.endWithNul, "End each of these with a NUL instead")->needs(values);
+    addWide(get, options);
 
     CLI::App* list = add(app, "list", "Print addresses, objects too", kListExamples);
     addPaths(list, options, "What to list; all of it otherwise");
@@ -141,20 +168,64 @@ void addReading(CLI::App& app, Options& options) {
     list->add_flag("--level", options.level, "Only the level right beneath PATH");
     list->add_flag("--long", options.isLong,
                    "With flags (w writable, i in every Inform), type and value");
+    list->add_flag("--json", options.json, "As a JSON array");
+    addWide(list, options);
 
     CLI::App* tree =
         add(app, "tree", "Draw the tree, with values beside the leaves", kTreeExamples);
     addPaths(tree, options, "What to draw; all of it otherwise");
     tree->add_flag("--ascii", options.ascii, "With ASCII strokes in a UTF-8 locale too");
+    tree->add_option("--depth", options.depth, "Draw this many levels beneath PATH")
+        ->check(CLI::Range(1U, 10'000U))
+        ->type_name("LEVELS");
+    tree->add_flag("--json", options.json, "As JSON objects in objects");
+    addWide(tree, options);
 
     CLI::App* info = add(app, "info", "Print value, writable, forced inform", kInfoExamples);
     addPaths(info, options, "Parameters or objects")->required();
+    addWide(info, options);
+}
+
+// The words of `set`: a path and a value, or PATH=VALUE each. Throws CLI::ParseError.
+void takeAssignments(Options& options, bool hasValue) {
+    const auto hasSign = [](const std::string& word) {
+        return word.find('=') != std::string::npos;
+    };
+    if (!hasSign(options.parameter) && hasValue && options.more.empty()) {
+        options.assignments = {{options.parameter, options.value}};
+        options.valueFromInput = options.value == "-";
+        return;
+    }
+    std::vector<std::string> words = {options.parameter};
+    if (hasValue) words.push_back(options.value);
+    words.insert(words.end(), options.more.begin(), options.more.end());
+    std::set<std::string> paths;
+    for (const std::string& word : words) {
+        if (!hasSign(word)) throw CLI::ValidationError("set", word + " is not PATH=VALUE");
+        const std::size_t sign = word.find('=');
+        options.assignments.push_back({word.substr(0, sign), word.substr(sign + 1)});
+        if (!paths.insert(options.assignments.back().path).second)
+            throw CLI::ValidationError("set", options.assignments.back().path + " is there twice");
+    }
 }
 
 void addWriting(CLI::App& app, Options& options) {
-    CLI::App* set = add(app, "set", "Write a parameter, and read it back", kSetExamples);
-    set->add_option("PATH", options.parameter, "The parameter")->required()->type_name("");
-    set->add_option("VALUE", options.value, "What to write")->required()->type_name("");
+    CLI::App* set = add(app, "set", "Write parameters, and read them back", kSetExamples);
+    set->add_option("PATH", options.parameter, "The parameter, or PATH=VALUE")
+        ->required()
+        ->type_name("");
+    CLI::Option* value =
+        set->add_option("VALUE", options.value, "What to write; - reads standard input")
+            ->type_name("");
+    set->add_option("PATH=VALUE", options.more, "More of them")->type_name("");
+    addWide(set, options);
+    set->callback([&options, value] { takeAssignments(options, value->count() != 0); });
+
+    CLI::App* restore = add(app, "restore", "Write a saved `get --json` back", kRestoreExamples);
+    restore->add_option("FILE", options.file, "The saved values")->required()->type_name("");
+    addPaths(restore, options, "What to write back; all of it otherwise");
+    restore->add_flag("--dry-run", options.dryRun, "Print what it would write, write nothing");
+    addWide(restore, options);
 }
 
 void addWaiting(CLI::App& app, Options& options) {
@@ -172,9 +243,13 @@ void addWaiting(CLI::App& app, Options& options) {
 void addComparing(CLI::App& app, Options& options) {
     CLI::App* diff = add(app, "diff", "Compare with a saved `get --json`", kDiffExamples);
     diff->add_option("FILE", options.file, "The saved values")->required()->type_name("");
-    addPaths(diff, options, "What to compare; all of it otherwise");
+    addPaths(diff, options, "What to compare; what was saved otherwise");
+    diff->add_flag("--json", options.json, "As a JSON array");
+    addWide(diff, options);
 
-    add(app, "changes", "Print the pending change lines, checked", kChangesExamples);
+    CLI::App* changes =
+        add(app, "changes", "Print the pending change lines, checked", kChangesExamples);
+    changes->add_flag("--json", options.json, "As a JSON array");
 }
 
 void addReport(CLI::App& app, Options& options) {

@@ -12,8 +12,13 @@ namespace trctl {
 /// How a program ends.
 constexpr int kDone = 0;
 constexpr int kRefused = 1;      ///< refused, not found, different
-constexpr int kUsage = 2;        ///< a wrong call, or a file that `diff` cannot use
+constexpr int kUsage = 2;        ///< a wrong call, or a file that cannot be used
 constexpr int kUnreachable = 3;  ///< no bus, no daemon
+
+struct Assignment {
+    std::string path;
+    std::string value;
+};
 
 /// What the command line asks for; each command looks at its own.
 struct Options {
@@ -25,8 +30,16 @@ struct Options {
     std::vector<std::string> paths;
     std::string parameter;  ///< the one that is to be set
     std::string value;
+    std::vector<std::string> more;        ///< the words of `set` behind these two
+    std::vector<Assignment> assignments;  ///< what these words mean, in order
+    bool valueFromInput = false;          ///< the value of the only one is standard input
     std::string file;
+    bool dryRun = false;
     bool json = false;
+    bool valueOnly = false;
+    bool endWithNul = false;
+    bool wide = false;
+    unsigned depth = 0;  ///< levels that `tree` draws; 0 draws all
     bool parametersOnly = false;
     bool level = false;
     bool isLong = false;

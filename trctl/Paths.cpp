@@ -1,11 +1,13 @@
 #include "trctl/Paths.h"
 
+#include "trctl/Pattern.h"
+
 #include <algorithm>
 #include <functional>
+#include <set>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
-
-#include <fnmatch.h>
 
 namespace trctl {
 
@@ -13,10 +15,6 @@ namespace {
 
 bool startsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
-}
-
-bool isPattern(const std::string& path) {
-    return path.find_first_of("*?[") != std::string::npos;
 }
 
 using Take = std::function<void(const std::string&)>;
@@ -28,15 +26,21 @@ void eachBeneath(const Addresses& sorted, const std::string& start, const Take& 
         if (*at != start) take(*at);
 }
 
+// A pattern without a point at its end names objects by their names alone, as a shell's does.
+bool isNamedBy(const Pattern& pattern, const std::string& path, std::string_view address) {
+    if (!isObject(path) && !address.empty() && address.back() == '.') address.remove_suffix(1);
+    return pattern.matches(address);
+}
+
 void eachMatch(const Addresses& sorted, const std::string& path, bool beneath, const Take& take) {
     if (std::binary_search(sorted.begin(), sorted.end(), path) && !(beneath && isObject(path))) {
         take(path);
         return;
     }
-    if (isPattern(path)) {
-        const std::string pattern = beneath && isObject(path) ? path + "*" : path;
+    if (Pattern::isPattern(path)) {
+        const Pattern pattern(path, beneath && isObject(path));
         for (const std::string& address : sorted)
-            if (fnmatch(pattern.c_str(), address.c_str(), 0) == 0) take(address);
+            if (isNamedBy(pattern, path, address)) take(address);
     } else if (beneath && isObject(path)) {
         eachBeneath(sorted, path, take);
     }
@@ -68,6 +72,25 @@ Selection selectThemselves(Addresses listed, const Addresses& paths) {
     return selectFrom(std::move(listed), paths, false);
 }
 
+namespace {
+
+// Also the objects that are not listed themselves.
+std::set<std::string> objectsThatMatch(const Addresses& listed, const std::string& path) {
+    const Pattern pattern(path);
+    std::set<std::string> objects;
+    std::set<std::string> others;
+    for (const std::string& address : listed)
+        for (std::size_t point = address.rfind('.'); point != std::string::npos;
+             point = point == 0 ? std::string::npos : address.rfind('.', point - 1)) {
+            const std::string object = address.substr(0, point + 1);
+            if (objects.count(object) + others.count(object) != 0) break;
+            (pattern.matches(object) ? objects : others).insert(object);
+        }
+    return objects;
+}
+
+}  // namespace
+
 Addresses nextLevel(Addresses listed, const Addresses& objects) {
     std::sort(listed.begin(), listed.end());
     Addresses level;
@@ -79,8 +102,13 @@ Addresses nextLevel(Addresses listed, const Addresses& objects) {
         });
     };
     if (objects.empty()) beneath("");
-    for (const std::string& object : objects)
-        if (isObject(object)) beneath(object);
+    for (const std::string& object : objects) {
+        if (!isObject(object)) continue;
+        beneath(object);
+        if (!Pattern::isPattern(object)) continue;
+        for (const std::string& match : objectsThatMatch(listed, object))
+            if (match != object) beneath(match);
+    }
     return level;
 }
 

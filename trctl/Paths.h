@@ -6,7 +6,8 @@
 namespace trctl {
 
 /// What people name on the command line, found in the daemon's list: a parameter, an object
-/// with its point (everything beneath it), or a shell pattern, whose `*` also takes points.
+/// with its point (everything beneath it), or a Pattern. A pattern with a point at its end stands
+/// for everything beneath the objects that it names, one without for what it names.
 
 using Addresses = std::vector<std::string>;
 
@@ -22,7 +23,8 @@ Selection select(Addresses listed, const Addresses& paths);
 Selection selectThemselves(Addresses listed, const Addresses& paths);
 
 /// The addresses one level beneath each of these objects, or at the top without any; where more
-/// follows they end with a point. Nothing for the path of a parameter.
+/// follows they end with a point. Nothing for the path of a parameter. A pattern with a point at
+/// its end stands for every object that it names.
 Addresses nextLevel(Addresses listed, const Addresses& objects);
 
 bool isObject(const std::string& path);

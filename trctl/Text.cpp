@@ -169,4 +169,29 @@ std::string shortened(const std::string& text, std::size_t columns, const std::s
     return kept + mark;
 }
 
+std::string shortenedAtLeft(const std::string& text, std::size_t columns) {
+    std::size_t kept = width(text);
+    if (kept <= columns) return text;
+    const std::string mark = std::string("...").substr(0, columns);
+    const std::size_t room = columns - mark.size();
+    std::string_view rest = text;
+    while (kept > room) {
+        const Character character = firstOf(rest);
+        kept -= columnsOf(character);
+        rest.remove_prefix(character.length);
+    }
+    // A level that begins right here is whole; something was cut, so there is one more before it.
+    const std::size_t point = text.find('.', text.size() - rest.size() - 1);
+    if (point != std::string::npos && point + 1 < text.size())
+        rest = std::string_view(text).substr(point + 1);
+    return mark + std::string(rest);
+}
+
+bool isUtf8(std::string_view text) {
+    bool is = true;
+    eachCharacter(
+        text, [&](const Character& character, std::string_view) { is = is && character.isValid; });
+    return is;
+}
+
 }  // namespace trctl

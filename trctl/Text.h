@@ -23,6 +23,13 @@ std::size_t width(std::string_view text);
 /// Padded with blanks to that many columns.
 std::string padded(std::string text, std::size_t columns);
 
+/// All of it is UTF-8.
+bool isUtf8(std::string_view text);
+
+/// Cut at its left to that many columns, where a level of an address begins if that is possible,
+/// with "..." in its place.
+std::string shortenedAtLeft(const std::string& text, std::size_t columns);
+
 /// Cut between characters to that many columns, the last of which then holds \p mark.
 std::string shortened(const std::string& text, std::size_t columns, const std::string& mark);
 

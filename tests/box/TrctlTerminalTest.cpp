@@ -17,6 +17,15 @@ bool has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
+void expectToFit(const std::string& text, std::size_t columns) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = text.find("\r\n", at);
+        ASSERT_NE(end, std::string::npos);
+        EXPECT_LE(end - at, columns) << text.substr(at, end - at);
+        at = end + 2;
+    }
+}
+
 /// trctl as a person sees it.
 class TrctlTerminalTest : public TrctlTest {
   protected:
@@ -41,6 +50,8 @@ class TrctlTerminalTest : public TrctlTest {
 TEST_F(TrctlTerminalTest, ColoursAppearOnlyOnTerminalsThatAllowThem) {
     const Words tree = {"tree", "Device.DeviceInfo.MemoryStatus."};
     EXPECT_TRUE(has(seen(tree), "\x1b["));
+    EXPECT_TRUE(has(seen({"get", "Device.DeviceInfo.Manufacturer"}), "= \x1b[32mKELM\x1b[0m\r\n"));
+    EXPECT_FALSE(has(seen({"get", kUpTime}, {{"NO_COLOR", "1"}}), "\x1b"));
     EXPECT_FALSE(has(seen(tree, {{"NO_COLOR", "1"}}), "\x1b"));
     EXPECT_FALSE(has(seen(tree, {{"TERM", "dumb"}}), "\x1b"));
     EXPECT_FALSE(has(seen({"--color", "never", "tree", "Device.IP."}), "\x1b"));
@@ -49,7 +60,7 @@ TEST_F(TrctlTerminalTest, ColoursAppearOnlyOnTerminalsThatAllowThem) {
 }
 
 TEST_F(TrctlTerminalTest, ValuesStandInAColumn) {
-    const std::string text = seen({"get", "Device.DeviceInfo.Manufacturer*"});
+    const std::string text = seen({"get", "Device.DeviceInfo.Manufacturer*"}, {{"NO_COLOR", "1"}});
     EXPECT_TRUE(has(text, "Device.DeviceInfo.Manufacturer    = KELM\r\n")) << text;
     EXPECT_TRUE(has(text, "Device.DeviceInfo.ManufacturerOUI = 001A2B\r\n")) << text;
 }
@@ -59,15 +70,45 @@ TEST_F(TrctlTerminalTest, AReportShowsItsProgressAndClearsIt) {
     EXPECT_TRUE(has(text, " parameters: 1 of 1 s\x1b[K\r\x1b[K/tmp/report.html: ")) << text;
 }
 
+// In the C locale a column is a byte.
+TEST_F(TrctlTerminalTest, NothingWrapsAt60Columns) {
+    const Child::Environment plain = {{"NO_COLOR", "1"}, {"LC_ALL", "C"}};
+    const std::string syslogHost = "Device.Services.STBService.1.X_Kelm.Config.SyslogHost";
+    ASSERT_TRUE(client().set(syslogHost, std::string(200, 'x')).ok);
+    box::writeFile("/tmp/saved.json", "{}");
+    const std::string cut = "xxx~\r\n";
+    for (const Words& words : {Words{"get", "Device."},
+                               {"list", "--long"},
+                               {"tree"},
+                               {"info", "**"},
+                               {"diff", "/tmp/saved.json", "Device."},
+                               {"set", syslogHost, std::string(200, 'x')}}) {
+        const std::string text = seen(words, plain, 60);
+        expectToFit(text, 60);
+        EXPECT_TRUE(has(text, cut)) << words.front() << '\n' << text;
+    }
+    expectToFit(seen({"list"}, plain, 60), 60);
+    expectToFit(seen({"get", "Device."}, plain, 9), 9);
+    expectToFit(seen({"tree"}, plain, 9), 9);
+    const std::string get = seen({"get", "Device."}, plain, 60);
+    EXPECT_TRUE(has(get, "\r\n...1.X_Kelm.Config.SyslogHost  = xxxxxxxxxxxxxxxxxxxxxxxxxx~\r\n"))
+        << get;
+}
+
+TEST_F(TrctlTerminalTest, WithWideNothingIsCutOrPadded) {
+    std::string plain = run({"get", "Device.Services.STBService.1.Capabilities."}).output;
+    for (std::size_t at = 0; (at = plain.find('\n', at)) != std::string::npos; at += 2)
+        plain.insert(at, "\r");
+    EXPECT_EQ(seen({"get", "--wide", "Device.Services.STBService.1.Capabilities."},
+                   {{"NO_COLOR", "1"}}, 60),
+              plain);
+    EXPECT_FALSE(has(seen({"list", "--wide"}, {{"NO_COLOR", "1"}}, 60), "..."));
+}
+
 TEST_F(TrctlTerminalTest, ATreeFitsTheTerminal) {
     const std::string text =
         seen({"tree", "Device.DeviceInfo."}, {{"NO_COLOR", "1"}, {"LC_ALL", "C"}}, 40);
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = text.find("\r\n", at);
-        ASSERT_NE(end, std::string::npos);
-        EXPECT_LE(end - at, 60U) << text.substr(at, end - at);
-        at = end + 2;
-    }
+    expectToFit(text, 40);
     EXPECT_TRUE(has(text, "|-- Description = KELM Orbit B410\r\n")) << text;
     EXPECT_TRUE(has(text, "~\r\n")) << text;
 }

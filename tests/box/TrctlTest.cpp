@@ -147,7 +147,7 @@ TEST_F(TrctlTest, NoCommandAddsAnAddress) {
     }
     run({"changes"});
     run({"tree"});
-    run({"info", "*"});
+    run({"info", "**"});
     EXPECT_EQ(listed(), before);
 }
 
@@ -258,6 +258,8 @@ TEST_F(TrctlTest, ChangesPrintsTheLinesOfTheCycleAndMarksABadOne) {
     ASSERT_TRUE(box::waitUntil([] { return run({"changes"}).status == 1; }));
     EXPECT_TRUE(has(printed(), "bad (")) << printed();
     EXPECT_TRUE(has(printed(), "say \"hi\"")) << printed();
+    EXPECT_TRUE(has(run({"changes", "--json"}).output, "\"bad\": \"")) << printed();
+    EXPECT_TRUE(has(printed(), "say \\\"hi\\\"")) << printed();
 }
 
 TEST_F(TrctlTest, WatchPrintsChangesUntilItIsInterrupted) {

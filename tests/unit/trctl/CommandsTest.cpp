@@ -1,115 +1,21 @@
-#include "trctl/Commands.h"
+#include "tests/unit/trctl/CommandsTest.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
-#include <map>
+#include <fstream>
 #include <string>
 
 namespace {
 
 using namespace trctl;
 
-/// A daemon without a bus, which counts what it is asked. As the real one, it adds the addresses
-/// that the flag queries and `set` name.
-class FakeDaemon : public client::Daemon {
-  public:
-    struct Entry {
-        std::string value;
-        bool isWritable = false;
-        bool isForcedInform = false;
-    };
-
-    std::vector<std::string> addresses() override {
-        ++calls;
-        if (onList) onList();
-        std::vector<std::string> list;
-        for (const auto& [address, entry] : entries) list.push_back(address);
-        return list;
-    }
-    std::vector<std::string> parameters() override {
-        std::vector<std::string> list = addresses();
-        list.erase(std::remove_if(list.begin(), list.end(), isObject), list.end());
-        return list;
-    }
-    std::string value(const std::string& address) override {
-        ++calls;
-        if (refused.count(address) != 0) throw client::Refused("too large");
-        const auto entry = entries.find(address);
-        return entry == entries.end() ? "" : entry->second.value;
-    }
-    bool isWritable(const std::string& address) override {
-        ++calls;
-        return entries[address].isWritable;
-    }
-    bool isForcedInform(const std::string& address) override {
-        ++calls;
-        return entries[address].isForcedInform;
-    }
-    void set(const std::string& address, const std::string& value) override {
-        ++calls;
-        onSet(entries[address], value);
-    }
-    std::string changes() override {
-        ++calls;
-        return pending;
-    }
-    void updateNotifTable() override { ++calls; }
-
-    std::map<std::string, Entry> entries;
-    std::map<std::string, bool> refused;
-    std::function<void(Entry&, const std::string&)> onSet =
-        [](Entry& entry, const std::string& value) { entry.value = value; };
-    std::function<void()> onList;
-    std::string pending;
-    std::size_t calls = 0;
-};
-
-class CommandsTest : public ::testing::Test {
-  protected:
-    CommandsTest() {
-        daemon_.entries = {{"D.", {}},          {"D.A.", {}},     {"D.A.Mode", {"auto", true}},
-                           {"D.A.Rate", {"5"}}, {"D.Empty.", {}}, {"D.Name", {"box\x1b"}}};
-    }
-
-    int run(const std::string& command, const Addresses& paths = {}) {
-        options_.command = command;
-        options_.paths = paths;
-        const Terminal terminal(ColorMode::Never);
-        Output out;
-        Context context{daemon_, options_, terminal, out};
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        const int status = runCommand(context);
-        out.flush();
-        output_ = testing::internal::GetCapturedStdout();
-        errors_ = testing::internal::GetCapturedStderr();
-        return status;
-    }
-    int set(const std::string& parameter, const std::string& value) {
-        options_.parameter = parameter;
-        options_.value = value;
-        return run("set");
-    }
-    /// As many parameters as a large box has, beneath B.
-    void fill() {
-        for (int i = 0; i < 10'000; ++i)
-            daemon_.entries["B." + std::to_string(i % 100) + ".P" + std::to_string(i)] = {"1"};
-    }
-
-    FakeDaemon daemon_;
-    Options options_;
-    std::string output_;
-    std::string errors_;
-};
-
 TEST_F(CommandsTest, GetPrintsAParameterAnObjectOrAPattern) {
     EXPECT_EQ(run("get", {"D.A.Rate"}), kDone);
     EXPECT_EQ(output_, "D.A.Rate = 5\n");
     EXPECT_EQ(run("get", {"D."}), kDone);
     EXPECT_EQ(output_, "D.A.Mode = auto\nD.A.Rate = 5\nD.Name = box\\x1b\n");
-    EXPECT_EQ(run("get", {"*e"}), kDone);
+    EXPECT_EQ(run("get", {"**e"}), kDone);
     EXPECT_EQ(output_, "D.A.Mode = auto\nD.A.Rate = 5\nD.Name = box\\x1b\n");
 }
 
@@ -138,6 +44,18 @@ TEST_F(CommandsTest, GetAsJsonHasRawValuesAsEscapes) {
     options_.json = true;
     EXPECT_EQ(run("get", {"D.Name"}), kDone);
     EXPECT_EQ(output_, "{\n  \"D.Name\": \"box\\u001b\"\n}\n");
+}
+
+TEST_F(CommandsTest, GetPrintsValuesAloneAsTheyAre) {
+    options_.valueOnly = true;
+    daemon_.entries["D.A.Mode"].value = "a\nb\\";
+    EXPECT_EQ(run("get", {"D.A.", "D.Name"}), kDone);
+    EXPECT_EQ(output_, "a\nb\\\n5\nbox\x1b\n");
+    options_.endWithNul = true;
+    EXPECT_EQ(run("get", {"D.A."}), kDone);
+    EXPECT_EQ(output_, std::string("a\nb\\\0"
+                                   "5\0",
+                                   7));
 }
 
 TEST_F(CommandsTest, SetPrintsWhatTheParameterReadsAsAfterwards) {
@@ -187,7 +105,7 @@ TEST_F(CommandsTest, ListPrintsAddressesOrOneLevelOfThem) {
     options_.level = true;
     EXPECT_EQ(run("list", {"D."}), kDone);
     EXPECT_EQ(output_, "D.A.\nD.Empty.\nD.Name\n");
-    EXPECT_EQ(run("list", {"*Rate", "D.A."}), kDone);
+    EXPECT_EQ(run("list", {"**Rate", "D.A."}), kDone);
     EXPECT_EQ(output_, "D.A.Rate\nD.A.Mode\nD.A.Rate\n");
     options_.parametersOnly = true;
     EXPECT_EQ(run("list", {"D."}), kDone);
@@ -195,6 +113,26 @@ TEST_F(CommandsTest, ListPrintsAddressesOrOneLevelOfThem) {
     options_.level = false;
     EXPECT_EQ(run("list"), kDone);
     EXPECT_EQ(output_, "D.A.Mode\nD.A.Rate\nD.Name\n");
+}
+
+TEST_F(CommandsTest, OneLevelBeneathAPatternsObjectsIsListed) {
+    options_.level = true;
+    EXPECT_EQ(run("list", {"D.*."}), kDone);
+    EXPECT_EQ(output_, "D.A.Mode\nD.A.Rate\n");
+    EXPECT_EQ(run("list", {"D.?"}), kDone);
+    EXPECT_EQ(output_, "D.A.\n");
+    EXPECT_EQ(run("list", {"D.E*."}), kDone);
+    EXPECT_EQ(output_ + errors_, "");
+    EXPECT_EQ(run("list", {"*.*.*."}), kRefused);
+    EXPECT_EQ(errors_, "trctl: nothing matches *.*.*.\n");
+}
+
+TEST_F(CommandsTest, APatternThatNamesOnlyObjectsIsNotEnoughForGet) {
+    EXPECT_EQ(run("get", {"D.[AE]*"}), kRefused);
+    EXPECT_EQ(errors_,
+              "trctl: D.[AE]* names only objects; for everything beneath them write D.[AE]*.\n");
+    EXPECT_EQ(run("list", {"D.[AE]*"}), kDone);
+    EXPECT_EQ(output_, "D.A.\nD.Empty.\n");
 }
 
 TEST_F(CommandsTest, ALongListHasFlagsTypeAndValue) {
@@ -245,8 +183,30 @@ TEST_F(CommandsTest, WaitHasATimeLimit) {
 TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {
     EXPECT_EQ(run("tree"), kDone);
     EXPECT_NE(output_.find("Empty.\n"), std::string::npos);
-    EXPECT_EQ(run("tree", {"*Rate"}), kDone);
+    EXPECT_EQ(run("tree", {"**Rate"}), kDone);
     EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3);
+}
+
+TEST_F(CommandsTest, ATreeHasTheLevelsThatAreAskedFor) {
+    options_.ascii = true;
+    options_.depth = 1;
+    EXPECT_EQ(run("tree"), kDone);
+    EXPECT_EQ(output_, "D.\n");
+    daemon_.calls = 0;
+    EXPECT_EQ(run("tree", {"D."}), kDone);
+    EXPECT_EQ(output_, "D.\n|-- A.\n|-- Empty.\n`-- Name = box\\x1b\n");
+    EXPECT_EQ(daemon_.calls, 2U) << "only what is drawn is read";
+    options_.depth = 2;
+    EXPECT_EQ(run("tree"), kDone);
+    EXPECT_EQ(output_, "D.\n|-- A.\n|-- Empty.\n`-- Name = box\\x1b\n");
+    EXPECT_EQ(run("tree", {"**.Rate"}), kDone);
+    EXPECT_EQ(output_, "D.\n`-- A.\n");
+    options_.depth = 1;
+    daemon_.entries["D.A.B.C"] = {"1"};
+    EXPECT_EQ(run("tree", {"D.A.B.", "D.A."}), kDone);
+    EXPECT_EQ(output_,
+              "D.\n`-- A.\n    |-- B.\n    |   `-- C = 1\n    |-- Mode = auto\n"
+              "    `-- Rate = 5\n");
 }
 
 TEST_F(CommandsTest, InfoPrintsTheSettings) {
@@ -278,6 +238,35 @@ TEST_F(CommandsTest, ChangesEscapesTheControlCharactersOfAGoodLine) {
     EXPECT_EQ(run("changes"), kDone);
     EXPECT_NE(output_.find(R"("value": "\u001b]0;x\u0007\u000d")"), std::string::npos) << output_;
     EXPECT_EQ(output_.find('\x1b'), std::string::npos);
+}
+
+TEST_F(CommandsTest, DiffComparesThePartThatWasSaved) {
+    const auto diff = [this](const std::string& json, const Addresses& paths = {}) {
+        options_.file = testing::TempDir() + "trctl-diff.json";
+        std::ofstream(options_.file) << json;
+        daemon_.calls = 0;
+        return run("diff", paths);
+    };
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5"})"), kDone);
+    EXPECT_EQ(daemon_.calls, 2U) << "only what is compared is read";
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5", "D.A.Mode": "auto"})"), kDone);
+    EXPECT_EQ(output_ + errors_, "");
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5", "D.Name": "x"})"), kRefused);
+    EXPECT_EQ(output_, "- D.Name = x\n+ D.Name = box\\x1b\n");
+    daemon_.entries["D.A.New"] = {"1"};
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5", "D.A.Mode": "auto"})"), kRefused);
+    EXPECT_EQ(output_, "+ D.A.New = 1\n");
+    EXPECT_EQ(diff(R"({"D.A.Rate": "5"})", {"D.A."}), kRefused);
+    EXPECT_EQ(output_, "+ D.A.Mode = auto\n+ D.A.New = 1\n");
+}
+
+TEST_F(CommandsTest, AValueThatTheDaemonRefusesDoesNotHideTheRestOfADiff) {
+    options_.file = testing::TempDir() + "trctl-diff.json";
+    std::ofstream(options_.file) << R"({"D.A.Mode": "x", "D.A.Rate": "6"})";
+    daemon_.refused["D.A.Mode"] = true;
+    EXPECT_EQ(run("diff"), kRefused);
+    EXPECT_EQ(output_, "- D.A.Rate = 6\n+ D.A.Rate = 5\n");
+    EXPECT_EQ(errors_, "trctl: D.A.Mode: too large\n");
 }
 
 TEST_F(CommandsTest, NoQueryAddsAnAddress) {

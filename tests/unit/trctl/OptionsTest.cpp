@@ -30,12 +30,29 @@ Parsed parse(const Words& words) {
     return parsed;
 }
 
+// Each assignment as `path|value`.
+std::string shown(const Parsed& parsed) {
+    std::string text = parsed.options ? "" : parsed.errors;
+    if (parsed.options)
+        for (const Assignment& assignment : parsed.options->assignments)
+            text += assignment.path + '|' + assignment.value + '\n';
+    return text;
+}
+
 TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
     for (const Words& words : {Words{},
                                {"nonsense"},
                                {"get"},
                                {"set", "a"},
                                {"set", "a", "b", "c"},
+                               {"set", "a=1", "b"},
+                               {"set", "a=1", "a=2"},
+                               {"set", "a", "b=1", "c=2"},
+                               {"get", "-0", "a"},
+                               {"get", "--value", "--json", "a"},
+                               {"tree", "--depth", "0"},
+                               {"tree", "--depth", "x"},
+                               {"restore"},
                                {"get", "--nope", "a"},
                                {"diff"},
                                {"changes", "a"},
@@ -127,8 +144,8 @@ TEST(OptionsTest, AComplaintShowsNoControlCharacters) {
 }
 
 TEST(OptionsTest, HelpHasExamplesAndExits0) {
-    for (const char* command :
-         {"get", "set", "list", "tree", "info", "watch", "wait", "diff", "changes", "help"}) {
+    for (const char* command : {"get", "set", "restore", "list", "tree", "info", "watch", "wait",
+                                "diff", "changes", "help"}) {
         const Parsed parsed = parse({command, "--help"});
         EXPECT_FALSE(parsed.options.has_value());
         EXPECT_EQ(parsed.status, kDone);
@@ -145,10 +162,29 @@ TEST(OptionsTest, AValueMayBeAnything) {
             value == std::string("--") ? Words{"set", "a", "--", "--"} : Words{"set", "a", value};
         const Parsed parsed = parse(words);
         ASSERT_TRUE(parsed.options.has_value()) << value << parsed.errors;
-        EXPECT_EQ(parsed.options->parameter, "a");
-        EXPECT_EQ(parsed.options->value, value);
+        EXPECT_EQ(shown(parsed), "a|" + std::string(value) + "\n");
     }
-    EXPECT_EQ(parse({"set", "a", "--", "--json"}).options->value, "--json");
+    EXPECT_EQ(shown(parse({"set", "a", "--", "--json"})), "a|--json\n");
+    EXPECT_EQ(shown(parse({"set", "a", "b=c"})), "a|b=c\n");
+}
+
+TEST(OptionsTest, SetTakesAPathAndAValueOrAssignments) {
+    EXPECT_EQ(shown(parse({"set", "a=1"})), "a|1\n");
+    EXPECT_EQ(shown(parse({"set", "a=1", "b=x=y", "c="})), "a|1\nb|x=y\nc|\n");
+    EXPECT_EQ(shown(parse({"set", "a=[1,2]", "b=[1,2]", "c=[1,2]"})),
+              "a|[1,2]\nb|[1,2]\nc|[1,2]\n");
+    EXPECT_EQ(shown(parse({"set", "--wide", "a=-1", "b=--x", "--color=never"})), "a|-1\nb|--x\n");
+}
+
+TEST(OptionsTest, ADashAsTheValueReadsStandardInputInAnAssignmentItIsADash) {
+    EXPECT_TRUE(parse({"set", "a", "-"}).options->valueFromInput);
+    EXPECT_FALSE(parse({"set", "a=-"}).options->valueFromInput);
+    EXPECT_EQ(shown(parse({"set", "a=-"})), "a|-\n");
+}
+
+TEST(OptionsTest, ADashAndAZeroIsAValueOfSetAndAnOptionOfGet) {
+    EXPECT_EQ(shown(parse({"set", "a", "-0"})), "a|-0\n");
+    EXPECT_TRUE(parse({"get", "a", "--value", "-0"}).options->endWithNul);
 }
 
 TEST(OptionsTest, CommonOptionsMayComeAfterTheCommand) {

@@ -31,13 +31,31 @@ TEST(PathsTest, AnObjectThatIsNotListedItselfStillStandsForWhatIsBeneath) {
     EXPECT_EQ(select({"Device.X.Y"}, {"Device.X."}).found, Addresses{"Device.X.Y"});
 }
 
-TEST(PathsTest, APatternAlsoTakesPoints) {
+TEST(PathsTest, APatternStaysWithinALevelUnlessItHasTwoStars) {
     const Addresses rates = {"Device.A.1.Rate", "Device.A.10.Rate", "Device.A.2.Rate"};
-    EXPECT_EQ(found({"*Rate"}), rates);
+    EXPECT_EQ(select(kListed, {"*Rate"}).unmatched, Addresses{"*Rate"});
+    EXPECT_EQ(found({"**Rate"}), rates);
+    EXPECT_EQ(found({"**.Rate"}), rates);
+    EXPECT_EQ(found({"Device.*.*.Rate"}), rates);
+    EXPECT_EQ(found({"Device.**.Name"}), Addresses{"Device.Name"});
     EXPECT_EQ(found({"Device.A.?.Rate"}), (Addresses{"Device.A.1.Rate", "Device.A.2.Rate"}));
     EXPECT_EQ(found({"Device.A.[2-9].Rate"}), Addresses{"Device.A.2.Rate"});
-    EXPECT_EQ(found({"Device.A.1*."}),
-              (Addresses{"Device.A.1.", "Device.A.1.Rate", "Device.A.10.", "Device.A.10.Rate"}));
+}
+
+TEST(PathsTest, APatternWithoutAPointAtItsEndAlsoNamesTheObjectsOfItsLevel) {
+    EXPECT_EQ(found({"Device.*"}),
+              (Addresses{"Device.A.", "Device.AB", "Device.Empty.", "Device.Name"}));
+    EXPECT_EQ(selectThemselves(kListed, {"Device.A*"}).found,
+              (Addresses{"Device.A.", "Device.AB"}));
+}
+
+TEST(PathsTest, APatternWithAPointAtItsEndStandsForEverythingBeneathItsObjects) {
+    EXPECT_EQ(found({"Device.A.1*."}), (Addresses{"Device.A.1.Rate", "Device.A.10.Rate"}));
+    EXPECT_EQ(found({"Dev*."}), found({"Device."}));
+    EXPECT_EQ(found({"**."}), kListed);
+    EXPECT_EQ(selectThemselves(kListed, {"Device.A.1*."}).found,
+              (Addresses{"Device.A.1.", "Device.A.10."}));
+    EXPECT_EQ(select(kListed, {"Device.E*."}).unmatched, Addresses{"Device.E*."});
 }
 
 TEST(PathsTest, EachAddressComesOnceInTheOrderOfThePaths) {
@@ -65,6 +83,9 @@ TEST(PathsTest, TheNextLevelHasObjectsWithTheirPointEachOnce) {
     EXPECT_EQ(nextLevel(kListed, {"Device.A."}),
               (Addresses{"Device.A.1.", "Device.A.10.", "Device.A.2."}));
     EXPECT_EQ(nextLevel({"Device.X.Y.Z"}, {"Device."}), Addresses{"Device.X."});
+    EXPECT_EQ(nextLevel(kListed, {"Device.A.*."}),
+              (Addresses{"Device.A.1.Rate", "Device.A.10.Rate", "Device.A.2.Rate"}));
+    EXPECT_EQ(nextLevel({"D.*.A", "D.X.B.C", "D.Y"}, {"D.*."}), (Addresses{"D.*.A", "D.X.B."}));
     EXPECT_TRUE(nextLevel(kListed, {"Device.B."}).empty());
     EXPECT_TRUE(nextLevel(kListed, {"Device.A"}).empty());
 }

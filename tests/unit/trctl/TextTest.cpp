@@ -80,4 +80,29 @@ TEST(TextTest, ALongTextIsCutBetweenCharacters) {
     EXPECT_EQ(shortened("abc", 0, "~"), "~");
 }
 
+TEST(TextTest, ALongAddressLosesItsFirstLevels) {
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    const std::string address = "Device.IP.Interface.1.Stats.BytesSent";
+    EXPECT_EQ(shortenedAtLeft(address, 37), address);
+    EXPECT_EQ(shortenedAtLeft(address, 20), "...1.Stats.BytesSent");
+    EXPECT_EQ(shortenedAtLeft(address, 18), "...Stats.BytesSent");
+    EXPECT_EQ(shortenedAtLeft(address, 17), "...BytesSent");
+    EXPECT_EQ(shortenedAtLeft(address, 10), "...tesSent");
+    EXPECT_EQ(shortenedAtLeft("Device.IP.Interface.", 15), "...Interface.");
+    EXPECT_EQ(shortenedAtLeft("Device.IP.Interface.", 9), "...rface.");
+    EXPECT_EQ(shortenedAtLeft("a.\xE7\x94\xB5\xE8\xA7\x86", 5), "...\xE8\xA7\x86");
+    EXPECT_EQ(shortenedAtLeft("abcdef", 3), "...");
+    EXPECT_EQ(shortenedAtLeft("abcdef", 2), "..");
+    EXPECT_EQ(shortenedAtLeft("abcdef", 0), "");
+    for (std::size_t columns = 0; columns < 40; ++columns)
+        EXPECT_LE(width(shortenedAtLeft(address, columns)), columns);
+}
+
+TEST(TextTest, BytesThatAreNotUtf8AreFound) {
+    EXPECT_TRUE(isUtf8("plain \xD0\xA2"));
+    EXPECT_TRUE(isUtf8(""));
+    EXPECT_FALSE(isUtf8("a\xFF"));
+    EXPECT_FALSE(isUtf8("\xD0"));
+}
+
 }  // namespace
