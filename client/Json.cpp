@@ -3,6 +3,7 @@
 #include <json-c/json.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
 #include <memory>
 
@@ -52,18 +53,39 @@ Object parseObject(const std::string& text, std::string& error) {
     return object;
 }
 
+json_object* newText(const std::string& text) {
+    return json_object_new_string_len(text.data(), static_cast<int>(text.size()));
+}
+
+json_object* newValue(const Member& member) {
+    if (const auto* text = std::get_if<std::string>(&member)) return newText(*text);
+    if (const auto* is = std::get_if<bool>(&member))
+        return json_object_new_boolean(static_cast<json_bool>(*is));
+    if (const auto* number = std::get_if<double>(&member)) {
+        char digits[32];
+        std::snprintf(digits, sizeof digits, "%.6g", *number);
+        return json_object_new_double_s(*number, digits);
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 std::string toJson(const Values& values) {
     const Object object(json_object_new_object());
-    for (const auto& [address, value] : values) {
-        json_object_object_add(
-            object.get(), address.c_str(),
-            json_object_new_string_len(value.data(), static_cast<int>(value.size())));
-    }
+    for (const auto& [address, value] : values)
+        json_object_object_add(object.get(), address.c_str(), newText(value));
     return json_object_to_json_string_ext(object.get(), JSON_C_TO_STRING_PRETTY |
                                                             JSON_C_TO_STRING_SPACED |
                                                             JSON_C_TO_STRING_NOSLASHESCAPE);
+}
+
+std::string toJsonLine(const Members& members) {
+    const Object object(json_object_new_object());
+    for (const auto& [name, value] : members)
+        json_object_object_add(object.get(), name, newValue(value));
+    return json_object_to_json_string_ext(object.get(),
+                                          JSON_C_TO_STRING_SPACED | JSON_C_TO_STRING_NOSLASHESCAPE);
 }
 
 std::optional<std::map<std::string, std::string>> parseSaved(const std::string& json,

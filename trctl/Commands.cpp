@@ -44,17 +44,6 @@ void printTreeLine(Context& context, const TreeLine& line) {
     context.out.line(text);
 }
 
-void printInfo(Context& context, const std::string& address, const std::string& value) {
-    const auto yesOrNo = [](bool is) { return is ? "yes" : "no"; };
-    const bool writable = context.daemon.isWritable(address);
-    const bool inform = context.daemon.isForcedInform(address);
-    context.out.line("address        " + escaped(address));
-    context.out.line(std::string("kind           ") + (isObject(address) ? "object" : "parameter"));
-    if (!isObject(address)) context.out.line("value          " + escaped(value));
-    context.out.line(std::string("writable       ") + yesOrNo(writable));
-    context.out.line(std::string("forced inform  ") + yesOrNo(inform));
-}
-
 // The daemon does not report a write that it drops, and it adds unknown addresses.
 std::string reasonNotToSet(client::Daemon& daemon, const std::string& path) {
     if (!contains(daemon.parameters(), path)) {
@@ -167,20 +156,6 @@ int tree(Context& context) {
         context.terminal.isUtf8() && !options.ascii ? kUnicodeStrokes : kAsciiStrokes;
     for (const TreeLine& line : drawTree(leaves, hasRoot ? options.paths.front() : "", strokes))
         printTreeLine(context, line);
-    return std::max(reader.status(), complainOfUnmatched(context, selection.unmatched));
-}
-
-int info(Context& context) {
-    const Selection selection = selectThemselves(context.daemon.addresses(), context.options.paths);
-    Reader reader(context.daemon);
-    bool isFirst = true;
-    for (const std::string& address : selection.found) {
-        const auto value = isObject(address) ? std::string() : reader.value(address);
-        if (!value) continue;
-        if (!isFirst) context.out.line("");
-        isFirst = false;
-        printInfo(context, address, *value);
-    }
     return std::max(reader.status(), complainOfUnmatched(context, selection.unmatched));
 }
 

@@ -42,6 +42,9 @@ std::string fitted(const Context& context, const std::string& text, std::size_t 
 /// The value, or the reason why the daemon refuses it.
 std::string valueOrReason(client::Daemon& daemon, const std::string& address);
 
+/// object, integer or string.
+const char* typeOf(const std::string& address, const std::string& value);
+
 /// A line `address = value`, escaped; \p columns is the room for the address.
 std::string valueLine(const std::string& address, const std::string& value,
                       std::size_t columns = 0);

@@ -21,13 +21,6 @@ Addresses levelOf(const Addresses& all, const Addresses& paths) {
     return level;
 }
 
-// The bus carries texts only, so the type is the one that the text looks like.
-const char* typeOf(const std::string& address, const std::string& value) {
-    if (isObject(address)) return "object";
-    const auto number = TR::Utils::leadingNumber(value);
-    return number && std::to_string(*number) == value ? "integer" : "string";
-}
-
 void printLong(Context& context, Reader& reader, const std::string& address) {
     const auto value = isObject(address) ? std::string() : reader.value(address);
     if (!value) return;
@@ -47,6 +40,13 @@ void printAddress(Context& context, const std::string& address) {
 }
 
 }  // namespace
+
+// The bus carries texts only, so the type is the one that the text looks like.
+const char* typeOf(const std::string& address, const std::string& value) {
+    if (isObject(address)) return "object";
+    const auto number = TR::Utils::leadingNumber(value);
+    return number && std::to_string(*number) == value ? "integer" : "string";
+}
 
 int list(Context& context) {
     const Options& options = context.options;

@@ -50,6 +50,9 @@ constexpr char kTreeExamples[] =
     "  trctl tree Device.IP.\n"
     "  trctl tree '*.Status' --ascii";
 constexpr char kInfoExamples[] =
+    "Prints kind, type, value, writable, forced inform, source, unit, meaning, and whether the CWMP\n"
+    "client watches it.\n"
+    "\n"
     "Examples:\n"
     "  trctl info Device.DeviceInfo.UpTime\n"
     "  trctl info 'Device.DeviceInfo.*Version'";
@@ -118,8 +121,9 @@ void addReading(CLI::App& app, Options& options) {
     addPaths(tree, options, "What to draw; all of it otherwise");
     tree->add_flag("--ascii", options.ascii, "With ASCII strokes in a UTF-8 locale too");
 
-    CLI::App* info = add(app, "info", "Print value, writable, forced inform", kInfoExamples);
+    CLI::App* info = add(app, "info", "Print all that is known about parameters", kInfoExamples);
     addPaths(info, options, "Parameters or objects")->required();
+    info->add_flag("--json", options.json, "As one JSON object a line");
 }
 
 void addWriting(CLI::App& app, Options& options) {

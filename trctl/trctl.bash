@@ -34,7 +34,7 @@ _trctl_files() { # _trctl_files WORD
 _trctl_options() { # _trctl_options COMMAND WORD
     local common=(--help --bus --color)
     case $1 in
-        get) _trctl_offer "$2" "${common[@]}" --json ;;
+        get | info) _trctl_offer "$2" "${common[@]}" --json ;;
         list) _trctl_offer "$2" "${common[@]}" --parameters --level --long ;;
         tree) _trctl_offer "$2" "${common[@]}" --ascii ;;
         watch) _trctl_offer "$2" "${common[@]}" --interval --plot --ascii ;;

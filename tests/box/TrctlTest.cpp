@@ -196,12 +196,24 @@ TEST_F(TrctlTest, WaitExits3WithoutADaemonOrABus) {
     EXPECT_EQ(end(*trctl).status, 3);
 }
 
-TEST_F(TrctlTest, InfoShowsTheSettings) {
+TEST_F(TrctlTest, InfoShowsWhatIsKnown) {
     start();
     EXPECT_EQ(run({"info", "Device.DeviceInfo.Manufacturer"}).output,
               "address        Device.DeviceInfo.Manufacturer\nkind           parameter\n"
-              "value          KELM\nwritable       no\nforced inform  yes\n");
+              "type           string\nvalue          KELM\nwritable       no\n"
+              "forced inform  yes\nsource         constant\nmeaning        maker\n"
+              "watched        unknown\n");
     EXPECT_TRUE(has(run({"info", kHost}).output, "writable       yes\n"));
+    watch({kUpTime});
+    EXPECT_TRUE(has(run({"info", kUpTime}).output, "\nwatched        yes\n")) << printed();
+    EXPECT_TRUE(has(run({"info", kHost}).output, "\nwatched        no\n")) << printed();
+    EXPECT_TRUE(has(run({"info", "--json", kUpTime}).output, R"("unit": "seconds")"));
+    EXPECT_TRUE(has(printed(), "\"watched\": true }\n")) << printed();
+    Words every = listed();
+    const auto count = static_cast<std::ptrdiff_t>(every.size());
+    every.insert(every.begin(), {"info", "--json"});
+    EXPECT_EQ(linesOf(run(every).output), count);
+    EXPECT_FALSE(has(printed(), R"("meaning": null)")) << "an address without a description";
 }
 
 TEST_F(TrctlTest, DiffFindsTheSettingThatChanged) {

@@ -252,10 +252,46 @@ TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {
 TEST_F(CommandsTest, InfoPrintsTheSettings) {
     EXPECT_EQ(run("info", {"D.A.Mode", "D.Empty."}), kDone);
     EXPECT_EQ(output_,
-              "address        D.A.Mode\nkind           parameter\nvalue          auto\n"
-              "writable       yes\nforced inform  no\n\n"
+              "address        D.A.Mode\nkind           parameter\ntype           string\n"
+              "value          auto\nwritable       yes\nforced inform  no\n"
+              "source         unknown\nmeaning        unknown\nwatched        unknown\n\n"
               "address        D.Empty.\nkind           object\n"
-              "writable       no\nforced inform  no\n");
+              "writable       no\nforced inform  no\nmeaning        unknown\n");
+}
+
+TEST_F(CommandsTest, InfoPrintsWhatTheDocumentOfTheParametersStates) {
+    daemon_.entries = {{"Device.DeviceInfo.UpTime", {"12"}}, {"Device.IP.", {}}};
+    EXPECT_EQ(run("info", {"Device.DeviceInfo.UpTime", "Device.IP."}), kDone);
+    EXPECT_NE(output_.find("type           integer\nvalue          12\n"), std::string::npos);
+    EXPECT_NE(output_.find("source         file /proc/uptime\nunit           seconds\n"
+                           "meaning        since the box booted\n"),
+              std::string::npos)
+        << output_;
+    EXPECT_NE(output_.find("forced inform  no\nmeaning        the network layer\n"),
+              std::string::npos)
+        << output_;
+}
+
+TEST_F(CommandsTest, InfoAsJsonIsAnObjectALine) {
+    options_.json = true;
+    daemon_.entries = {{"D.Name", {"\x1b\"", true}},
+                       {"Device.DeviceInfo.UpTime", {"12", false, true}},
+                       {"Device.IP.", {}}};
+    EXPECT_EQ(run("info", {"D.Name", "Device.DeviceInfo.UpTime", "Device.IP."}), kDone);
+    EXPECT_EQ(output_,
+              R"({ "address": "D.Name", "kind": "parameter", "type": "string", )"
+              R"("value": "\u001b\"", "writable": true, "forcedInform": false, "source": null, )"
+              R"("unit": null, "meaning": null, "watched": null })"
+              "\n"
+              R"({ "address": "Device.DeviceInfo.UpTime", "kind": "parameter", )"
+              R"("type": "integer", "value": "12", "writable": false, "forcedInform": true, )"
+              R"("source": "file /proc/uptime", "unit": "seconds", )"
+              R"("meaning": "since the box booted", "watched": null })"
+              "\n"
+              R"({ "address": "Device.IP.", "kind": "object", "type": "object", "value": null, )"
+              R"("writable": false, "forcedInform": false, "source": "", "unit": "", )"
+              R"("meaning": "the network layer", "watched": false })"
+              "\n");
 }
 
 TEST_F(CommandsTest, ChangesMarksLinesThatTheClientWouldDrop) {
