@@ -50,7 +50,8 @@ constexpr char kTreeExamples[] =
     "  trctl tree Device.IP.\n"
     "  trctl tree '*.Status' --ascii";
 constexpr char kInfoExamples[] =
-    "Prints kind, type, value, writable, forced inform, source, unit, meaning, and whether the CWMP\n"
+    "Prints kind, type, value, writable, forced inform, source, unit, meaning, and whether the "
+    "CWMP\n"
     "client watches it.\n"
     "\n"
     "Examples:\n"
@@ -64,11 +65,12 @@ constexpr char kWatchExamples[] =
     "  trctl watch Device.IP. --interval 5\n"
     "  trctl watch --plot Device.DeviceInfo.MemoryStatus.Free";
 constexpr char kWaitExamples[] =
-    "Exit status: 0 the first cycle is over, 1 it is not in time, 3 no daemon in time.\n"
+    "With PATH=VALUE it waits until this parameter has this value; white space at the value's end\n"
+    "does not count. Exit status: 0 it is so, 1 not in time, 3 no daemon in time.\n"
     "\n"
     "Examples:\n"
     "  trctl wait && trctl tree\n"
-    "  trctl wait --timeout 5";
+    "  trctl wait Device.IP.Interface.1.Status=Up --timeout 5";
 constexpr char kDiffExamples[] =
     "FILE is saved output of `trctl get --json`; - is standard input. Lines with - are the "
     "file's,\n"
@@ -132,6 +134,14 @@ void addWriting(CLI::App& app, Options& options) {
     set->add_option("VALUE", options.value, "What to write")->required()->type_name("");
 }
 
+std::string faultOfAwaited(const std::string& text) {
+    const std::string path = text.substr(0, text.find('='));
+    if (path == text || path.empty()) return "it has the form PATH=VALUE";
+    if (path.back() == '.' || path.find_first_of("*?[") != std::string::npos)
+        return path + " is not one parameter";
+    return "";
+}
+
 void addWaiting(CLI::App& app, Options& options) {
     CLI::App* watch = add(app, "watch", "Print changes as they happen", kWatchExamples);
     addPaths(watch, options, "What to watch; all of it otherwise");
@@ -143,7 +153,12 @@ void addWaiting(CLI::App& app, Options& options) {
                     "Draw one numeric parameter as a moving line; needs a terminal");
     watch->add_flag("--ascii", options.ascii, "Draw with ASCII in a UTF-8 locale too");
 
-    CLI::App* wait = add(app, "wait", "Wait for the end of the first cycle", kWaitExamples);
+    CLI::App* wait =
+        add(app, "wait", "Wait for the end of the first cycle, or for a value", kWaitExamples);
+    wait->add_option("PATH=VALUE", options.awaited,
+                     "The parameter and the value that it shall have")
+        ->check(faultOfAwaited, "")
+        ->type_name("");
     wait->add_option("--timeout", options.timeoutSeconds, "Seconds to wait for it")
         ->check(CLI::Range(0.0, 86'400.0))
         ->type_name("SECONDS")
@@ -211,6 +226,10 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
         std::cerr << "Run with --help for more information.\n";
         status = kUsage;
         return std::nullopt;
+    }
+    if (const std::size_t end = options.awaited.find('='); end != std::string::npos) {
+        options.parameter = options.awaited.substr(0, end);
+        options.value = options.awaited.substr(end + 1);
     }
     options.command = app.get_subcommands().front()->get_name();
     return options;

@@ -20,8 +20,9 @@ struct Options {
     std::string bus;
     ColorMode color = ColorMode::Auto;
     std::vector<std::string> paths;
-    std::string parameter;  ///< the one that is to be set
+    std::string parameter;  ///< the one that is to be set or waited for; `wait` may have none
     std::string value;
+    std::string awaited;  ///< PATH=VALUE, as it was given
     std::string file;
     bool json = false;
     bool parametersOnly = false;

@@ -178,6 +178,12 @@ TEST_F(TrctlTest, WaitReturnsWhenTheTreeIsWhole) {
     EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM");
     EXPECT_EQ(run({"list", "Device.DeviceInfo.DeviceLog"}).status, 0);
     EXPECT_EQ(waited.output + waited.errors, "");
+    const auto forValue = begin({"wait", kHost + "=10.0.0.9"});
+    ASSERT_TRUE(client().set(kHost, "10.0.0.9\n").ok);
+    EXPECT_EQ(end(*forValue).status, 0);
+    const Result late = run({"wait", kHost + "=10.0.0.8", "--timeout", "0.2"});
+    EXPECT_EQ(late.status, 1);
+    EXPECT_EQ(late.errors, "trctl: " + kHost + " has the value \"10.0.0.9\\n\" after 0.2 s\n");
 }
 
 TEST_F(TrctlTest, WaitExits3WithoutADaemonOrABus) {
@@ -185,6 +191,7 @@ TEST_F(TrctlTest, WaitExits3WithoutADaemonOrABus) {
     const Result noDaemon = run({"wait", "--timeout", "0.2"});
     EXPECT_EQ(noDaemon.status, 3);
     EXPECT_TRUE(has(noDaemon.errors, "Start kelm-trd")) << noDaemon.errors;
+    EXPECT_EQ(run({"wait", kHost + "=x", "--timeout", "0.2"}).status, 3);
     const auto trctl = begin({"wait", "--timeout", "1000"});
     // The bus itself, this test and trctl.
     TrClient names(bus().address(), "org.freedesktop.DBus");

@@ -35,6 +35,7 @@ class FakeDaemon : public client::Daemon {
     }
     std::string value(const std::string& address) override {
         ++calls;
+        if (onValue) onValue();
         if (refused.count(address) != 0) throw client::Refused("too large");
         const auto entry = entries.find(address);
         return entry == entries.end() ? "" : entry->second.value;
@@ -62,6 +63,7 @@ class FakeDaemon : public client::Daemon {
     std::function<void(Entry&, const std::string&)> onSet =
         [](Entry& entry, const std::string& value) { entry.value = value; };
     std::function<void()> onList;
+    std::function<void()> onValue;
     std::string pending;
     std::size_t calls = 0;
 };
@@ -240,6 +242,47 @@ TEST_F(CommandsTest, WaitHasATimeLimit) {
     options_.timeoutSeconds = 0;
     EXPECT_EQ(run("wait"), kRefused);
     EXPECT_EQ(errors_, "trctl: the first cycle is not over after 0 s\n");
+}
+
+TEST_F(CommandsTest, WaitEndsWhenTheParameterHasTheValue) {
+    options_.parameter = "D.A.Mode";
+    options_.value = "off";
+    int looks = 0;
+    daemon_.onValue = [&] {
+        if (++looks == 1) throw client::NoDaemon("there is no kelm-trd", "");
+        if (looks == 3) daemon_.entries["D.A.Mode"].value = "off\n";
+    };
+    EXPECT_EQ(run("wait"), kDone);
+    EXPECT_EQ(looks, 3);
+    EXPECT_EQ(output_ + errors_, "");
+}
+
+TEST_F(CommandsTest, WaitForAValueHasATimeLimit) {
+    options_.timeoutSeconds = 0;
+    options_.parameter = "D.A.Mode";
+    options_.value = "of";
+    EXPECT_EQ(run("wait"), kRefused);
+    EXPECT_EQ(errors_, "trctl: D.A.Mode has the value \"auto\" after 0 s\n");
+    options_.parameter = "D.Nope";
+    options_.value = "";
+    EXPECT_EQ(run("wait"), kRefused);
+    EXPECT_EQ(errors_, "trctl: there is no D.Nope after 0 s\n");
+    EXPECT_EQ(daemon_.entries.count("D.Nope"), 0U);
+    daemon_.onValue = [] { throw client::NoDaemon("there is no kelm-trd", ""); };
+    EXPECT_THROW(run("wait"), client::NoDaemon);
+    testing::internal::GetCapturedStdout();
+    testing::internal::GetCapturedStderr();
+}
+
+TEST_F(CommandsTest, WaitForTheEmptyTextNeedsTheParameter) {
+    options_.parameter = "D.Void";
+    options_.value = "";
+    int looks = 0;
+    daemon_.onList = [&] {
+        if (++looks == 2) daemon_.entries["D.Void"] = {""};
+    };
+    EXPECT_EQ(run("wait"), kDone);
+    EXPECT_EQ(looks, 2);
 }
 
 TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {

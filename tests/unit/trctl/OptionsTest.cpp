@@ -43,6 +43,10 @@ TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
                                {"watch", "--interval", "x"},
                                {"wait", "--timeout", "-1"},
                                {"wait", "a"},
+                               {"wait", "=a"},
+                               {"wait", "D.=a"},
+                               {"wait", "D.*=a"},
+                               {"wait", "D.A=a", "D.B=b"},
                                {"--color", "blue", "list"},
                                {"list", "--bus"}}) {
         const Parsed parsed = parse(words);
@@ -79,6 +83,16 @@ TEST(OptionsTest, AValueMayBeAnything) {
         EXPECT_EQ(parsed.options->value, value);
     }
     EXPECT_EQ(parse({"set", "a", "--", "--json"}).options->value, "--json");
+}
+
+TEST(OptionsTest, WhatIsWaitedForIsSplitAtTheFirstEqualsSign) {
+    const Parsed parsed = parse({"wait", "D.A=b=c", "--timeout", "2"});
+    ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
+    EXPECT_EQ(parsed.options->parameter, "D.A");
+    EXPECT_EQ(parsed.options->value, "b=c");
+    EXPECT_EQ(parsed.options->timeoutSeconds, 2);
+    EXPECT_EQ(parse({"wait", "D.A="}).options->value, "");
+    EXPECT_EQ(parse({"wait"}).options->parameter, "");
 }
 
 TEST(OptionsTest, CommonOptionsMayComeAfterTheCommand) {
