@@ -63,7 +63,7 @@ json_object* newValue(const Member& member) {
         return json_object_new_boolean(static_cast<json_bool>(*is));
     if (const auto* number = std::get_if<double>(&member)) {
         char digits[32];
-        std::snprintf(digits, sizeof digits, "%.6g", *number);
+        std::snprintf(digits, sizeof digits, "%.15g", *number);
         return json_object_new_double_s(*number, digits);
     }
     return nullptr;

@@ -1,6 +1,7 @@
 #include "trctl/Options.h"
 
 #include "trctl/Output.h"
+#include "trctl/Rates.h"
 
 #include <CLI/CLI.hpp>
 
@@ -62,7 +63,9 @@ constexpr char kWatchExamples[] =
     "\n"
     "Examples:\n"
     "  trctl watch\n"
-    "  trctl watch Device.IP. --interval 5\n"
+    "  trctl watch --no-clocks --except Device.DeviceInfo.DeviceLog\n"
+    "  trctl watch Device.IP. --rate --interval 5\n"
+    "  trctl watch --once Device.IP.Interface.1.Status\n"
     "  trctl watch --plot Device.DeviceInfo.MemoryStatus.Free";
 constexpr char kWaitExamples[] =
     "With PATH=VALUE it waits until this parameter has this value; white space at the value's end\n"
@@ -149,6 +152,17 @@ void addWaiting(CLI::App& app, Options& options) {
         ->check(CLI::Range(0.05, 86'400.0))
         ->type_name("SECONDS")
         ->capture_default_str();
+    watch->add_option("--except", options.except, "What to leave out; may be repeated")
+        ->type_name("PATH")
+        ->allow_extra_args(false);
+    watch->add_flag("--no-clocks", options.noClocks,
+                    "Leave out UpTime, LastChange and ResetTime, which only count time");
+    watch->add_flag("--rate", options.rate, "With the growth of counters per second");
+    watch->add_option("--count", options.count, "End after so many changes")
+        ->check(CLI::Range(1, 1'000'000'000))
+        ->type_name("N");
+    watch->add_flag("--once", options.once, "End after the first read that finds a change");
+    watch->add_flag("--json", options.json, "As one JSON object a line");
     watch->add_flag("--plot", options.plot,
                     "Draw one numeric parameter as a moving line; needs a terminal");
     watch->add_flag("--ascii", options.ascii, "Draw with ASCII in a UTF-8 locale too");
@@ -203,6 +217,28 @@ void addCommon(CLI::App& app, Options& options) {
     app.require_subcommand(1);
 }
 
+// Why the options of `watch` make no sense together; empty when they do.
+const char* faultOfWatch(const Options& options) {
+    const bool isSelective = options.noClocks || !options.except.empty();
+    const bool hasEnd = options.once || options.count > 0;
+    if (options.plot && (options.json || options.rate || isSelective || hasEnd))
+        return "--plot draws one parameter until Ctrl-C; only --interval and --ascii go with it";
+    if (options.ascii && !options.plot)
+        return "--ascii is for --plot; changes are printed without strokes";
+    if (options.once && options.count > 0)
+        return "--once ends after one read, --count after N changes; give one of them";
+    if (options.rate && options.once && options.intervalSeconds < Rates::kRefreshSeconds)
+        return "--rate with --once needs an --interval of 5 or more: the daemon refreshes its "
+               "counters every five seconds";
+    return "";
+}
+
+int wrongCall(const char* reason) {
+    complain(reason);
+    std::cerr << "Run with --help for more information.\n";
+    return kUsage;
+}
+
 }  // namespace
 
 std::optional<Options> parseOptions(int argc, const char* const* argv, int& status) {
@@ -222,9 +258,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
             std::cout.flush();
             return std::nullopt;
         }
-        complain(error.what());
-        std::cerr << "Run with --help for more information.\n";
-        status = kUsage;
+        status = wrongCall(error.what());
         return std::nullopt;
     }
     if (const std::size_t end = options.awaited.find('='); end != std::string::npos) {
@@ -232,6 +266,11 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
         options.value = options.awaited.substr(end + 1);
     }
     options.command = app.get_subcommands().front()->get_name();
+    const std::string fault = options.command == "watch" ? faultOfWatch(options) : "";
+    if (!fault.empty()) {
+        status = wrongCall(fault.c_str());
+        return std::nullopt;
+    }
     return options;
 }
 

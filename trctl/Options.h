@@ -31,6 +31,11 @@ struct Options {
     bool plot = false;
     bool ascii = false;
     double intervalSeconds = 1;
+    std::vector<std::string> except;  ///< paths that `watch` leaves out
+    bool noClocks = false;
+    bool rate = false;
+    bool once = false;
+    int count = 0;  ///< change lines; 0 for any number
     double timeoutSeconds = 30;
     std::string snapshot;      ///< the archive that `report` reads instead of the daemon
     double watchSeconds = 10;  ///< how long `report` watches

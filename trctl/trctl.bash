@@ -37,7 +37,8 @@ _trctl_options() { # _trctl_options COMMAND WORD
         get | info) _trctl_offer "$2" "${common[@]}" --json ;;
         list) _trctl_offer "$2" "${common[@]}" --parameters --level --long ;;
         tree) _trctl_offer "$2" "${common[@]}" --ascii ;;
-        watch) _trctl_offer "$2" "${common[@]}" --interval --plot --ascii ;;
+        watch) _trctl_offer "$2" "${common[@]}" --interval --except --no-clocks --rate --count --once \
+            --json --plot --ascii ;;
         wait) _trctl_offer "$2" "${common[@]}" --timeout ;;
         report) _trctl_offer "$2" "${common[@]}" --seconds --snapshot ;;
         "") _trctl_offer "$2" "${common[@]}" --version ;;
