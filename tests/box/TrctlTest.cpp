@@ -283,8 +283,52 @@ TEST_F(TrctlTest, WatchPrintsChangesUntilItIsInterrupted) {
     const Result result = end(*trctl);
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.errors, "");
-    EXPECT_EQ(result.output.substr(8, kHost.size() + 3), " " + kHost + ": ");
+    constexpr std::size_t kDateLine = sizeof "2026-11-22";
+    EXPECT_EQ(result.output.find('\n'), kDateLine - 1) << result.output;
+    EXPECT_EQ(result.output.substr(kDateLine + 8, kHost.size() + 3), " " + kHost + ": ");
     EXPECT_TRUE(has(result.output, " -> 10.0.0.")) << result.output;
+}
+
+TEST_F(TrctlTest, WatchEndsByItselfAfterChanges) {
+    start();
+    int value = 0;
+    // What is set, again and again until the program has seen enough.
+    const auto watched = [&](const Words& options) {
+        Words words = {"watch", "--interval", "0.1", kHost, kUpTime};
+        words.insert(words.end(), options.begin(), options.end());
+        const auto trctl = begin(words);
+        EXPECT_TRUE(box::waitUntil([&] {
+            client().set(kHost, std::to_string(++value));
+            return !trctl->isRunning();
+        }));
+        return end(*trctl);
+    };
+    const Result counted = watched({"--no-clocks", "--count", "3"});
+    EXPECT_EQ(counted.status, 0) << counted.errors;
+    EXPECT_EQ(linesOf(counted.output), 4) << counted.output;
+    EXPECT_FALSE(has(counted.output, kUpTime)) << counted.output;
+    const Result once = watched({"--except", kUpTime, "--once", "--json"});
+    EXPECT_EQ(once.status, 0) << once.errors;
+    EXPECT_EQ(linesOf(once.output), 1) << once.output;
+    EXPECT_TRUE(has(once.output, R"("address": ")" + kHost + R"(", "before": ")")) << once.output;
+    EXPECT_EQ(run({"watch", "--once", "--count", "2"}).status, 2);
+    EXPECT_EQ(run({"watch", "--no-clocks", kUpTime}).status, 1);
+}
+
+TEST_F(TrctlTest, WatchShowsHowFastCountersGrow) {
+    start();
+    const auto trctl = begin({"watch", "--interval", "0.5", "--rate", "Device.IP."});
+    const auto sendPacket = [] {
+        Child shell({"/usr/host/bin/bash", "-c", "echo >/dev/udp/239.255.0.1/1234"}, "/tmp/sent");
+        shell.waitForEnd();
+    };
+    ASSERT_TRUE(box::waitUntil([&] {
+        sendPacket();
+        return has(printed(), "/s)\n");
+    })) << printed();
+    EXPECT_FALSE(has(printed(), "-> 0 (")) << printed();
+    trctl->send(SIGINT);
+    EXPECT_EQ(end(*trctl).status, 0);
 }
 
 TEST_F(TrctlTest, AnInterruptEndsWatchAlsoWhileTheDaemonHangs) {

@@ -337,6 +337,54 @@ TEST_F(CommandsTest, InfoAsJsonIsAnObjectALine) {
               "\n");
 }
 
+TEST_F(CommandsTest, WatchLeavesOutWhatIsExcepted) {
+    options_.intervalSeconds = 0.001;
+    options_.count = 2;
+    options_.except = {"D.A.", "D.Nope"};
+    daemon_.entries["D.UpTime"] = {"1"};
+    daemon_.entries["D.Up"] = {"1"};
+    daemon_.onList = [this] {
+        for (auto& [address, entry] : daemon_.entries) entry.value += "1";
+    };
+    EXPECT_EQ(run("watch"), kDone);
+    EXPECT_NE(output_.find(" D.Name: "), std::string::npos) << output_;
+    EXPECT_NE(output_.find(" D.Up: "), std::string::npos) << output_;
+    EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3) << "the date and two changes";
+    options_.noClocks = true;
+    options_.count = 5;
+    EXPECT_EQ(run("watch"), kDone);
+    EXPECT_EQ(output_.find("D.A."), std::string::npos) << output_;
+    EXPECT_EQ(output_.find("UpTime"), std::string::npos) << output_;
+}
+
+TEST_F(CommandsTest, NoClocksHidesWhatOnlyCountsTime) {
+    options_.intervalSeconds = 0.001;
+    options_.once = true;
+    options_.noClocks = true;
+    daemon_.entries.clear();
+    for (const char* name : {"UpTime", "I.LastChange", "T.ResetTime", "ReportEndTime", "UpTimes"})
+        daemon_.entries[name] = {"1"};
+    daemon_.onList = [this] {
+        for (auto& [address, entry] : daemon_.entries) entry.value += "1";
+    };
+    EXPECT_EQ(run("watch"), kDone);
+    EXPECT_NE(output_.find(" ReportEndTime: "), std::string::npos);
+    EXPECT_NE(output_.find(" UpTimes: "), std::string::npos);
+    EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3) << output_;
+}
+
+TEST_F(CommandsTest, WatchRefusesWhatLeavesItNothingToDo) {
+    options_.except = {"D."};
+    EXPECT_EQ(run("watch"), kRefused);
+    EXPECT_EQ(errors_, "trctl: --except and --no-clocks leave nothing to watch\n");
+    options_.except = {};
+    options_.rate = true;
+    EXPECT_EQ(run("watch"), kRefused);
+    EXPECT_EQ(errors_,
+              "trctl: --rate needs a counter: a parameter of an object whose name ends with "
+              "Stats\n");
+}
+
 TEST_F(CommandsTest, ChangesMarksLinesThatTheClientWouldDrop) {
     const std::string good = R"({ "parameter": "a", "value": "1", "notification": "2" })";
     daemon_.pending = good + "\n";

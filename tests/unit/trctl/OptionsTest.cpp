@@ -41,6 +41,8 @@ TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
                                {"changes", "a"},
                                {"watch", "--interval", "0"},
                                {"watch", "--interval", "x"},
+                               {"watch", "--count", "0"},
+                               {"watch", "--except"},
                                {"wait", "--timeout", "-1"},
                                {"wait", "a"},
                                {"wait", "=a"},
@@ -83,6 +85,40 @@ TEST(OptionsTest, AValueMayBeAnything) {
         EXPECT_EQ(parsed.options->value, value);
     }
     EXPECT_EQ(parse({"set", "a", "--", "--json"}).options->value, "--json");
+}
+
+TEST(OptionsTest, OptionsOfWatchThatMakeNoSenseTogetherAreRefusedWithASentence) {
+    struct Row {
+        Words options;
+        const char* sentence;
+    };
+    const char* const plot = "--plot draws one parameter until Ctrl-C; only --interval and --ascii";
+    for (const Row& row :
+         {Row{{"--plot", "--json"}, plot},
+          {{"--plot", "--rate"}, plot},
+          {{"--plot", "--once"}, plot},
+          {{"--plot", "--count", "3"}, plot},
+          {{"--plot", "--no-clocks"}, plot},
+          {{"--plot", "--except", "a"}, plot},
+          {{"--ascii"}, "--ascii is for --plot"},
+          {{"--once", "--count", "3"}, "give one of them"},
+          {{"--once", "--rate"}, "--rate with --once needs an --interval of 5 or more"}}) {
+        Words words = {"watch", "a"};
+        words.insert(words.end(), row.options.begin(), row.options.end());
+        const Parsed parsed = parse(words);
+        EXPECT_FALSE(parsed.options.has_value());
+        EXPECT_EQ(parsed.status, kUsage);
+        EXPECT_NE(parsed.errors.find(row.sentence), std::string::npos) << parsed.errors;
+    }
+    EXPECT_TRUE(parse({"watch", "--once", "--rate", "--interval", "5"}).options.has_value());
+    EXPECT_TRUE(parse({"watch", "--plot", "--ascii", "--interval", "5", "a"}).options.has_value());
+}
+
+TEST(OptionsTest, ExceptTakesOnePathEachTime) {
+    const Parsed parsed = parse({"watch", "--except", "a", "b", "--except=c", "d"});
+    ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
+    EXPECT_EQ(parsed.options->except, (Words{"a", "c"}));
+    EXPECT_EQ(parsed.options->paths, (Words{"b", "d"}));
 }
 
 TEST(OptionsTest, WhatIsWaitedForIsSplitAtTheFirstEqualsSign) {
