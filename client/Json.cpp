@@ -3,7 +3,6 @@
 #include <json-c/json.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 #include <memory>
 
@@ -57,18 +56,6 @@ json_object* newText(const std::string& text) {
     return json_object_new_string_len(text.data(), static_cast<int>(text.size()));
 }
 
-json_object* newValue(const Member& member) {
-    if (const auto* text = std::get_if<std::string>(&member)) return newText(*text);
-    if (const auto* is = std::get_if<bool>(&member))
-        return json_object_new_boolean(static_cast<json_bool>(*is));
-    if (const auto* number = std::get_if<double>(&member)) {
-        char digits[32];
-        std::snprintf(digits, sizeof digits, "%.15g", *number);
-        return json_object_new_double_s(*number, digits);
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 std::string toJson(const Values& values) {
@@ -80,12 +67,14 @@ std::string toJson(const Values& values) {
                                                             JSON_C_TO_STRING_NOSLASHESCAPE);
 }
 
-std::string toJsonLine(const Members& members) {
-    const Object object(json_object_new_object());
-    for (const auto& [name, value] : members)
-        json_object_object_add(object.get(), name, newValue(value));
-    return json_object_to_json_string_ext(object.get(),
-                                          JSON_C_TO_STRING_SPACED | JSON_C_TO_STRING_NOSLASHESCAPE);
+void JsonLine::addText(const char* name, const std::string* text) {
+    const Object object(text == nullptr ? nullptr : newText(*text));
+    addRaw(name, json_object_to_json_string_ext(object.get(), JSON_C_TO_STRING_NOSLASHESCAPE));
+}
+
+void JsonLine::addRaw(const char* name, const char* json) {
+    if (line_.size() > 1) line_ += ',';
+    line_.append(" \"").append(name).append("\": ").append(json);
 }
 
 std::optional<std::map<std::string, std::string>> parseSaved(const std::string& json,

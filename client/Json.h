@@ -1,11 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace client {
@@ -15,11 +13,19 @@ using Values = std::vector<std::pair<std::string, std::string>>;
 /// One JSON object, an address and its text a line, in the given order.
 std::string toJson(const Values& values);
 
-/// One JSON object on one line, its members in the given order. A number has at most six digits;
-/// null stands for what is not known.
-using Member = std::variant<std::nullptr_t, bool, double, std::string>;
-using Members = std::vector<std::pair<const char*, Member>>;
-std::string toJsonLine(const Members& members);
+/// Makes one JSON object on one line, its members in the order of the calls.
+class JsonLine {
+  public:
+    /// Null without a text.
+    void addText(const char* name, const std::string* text);
+    /// A number, true, false or null.
+    void addRaw(const char* name, const char* json);
+    /// The line, without a line feed.
+    std::string end() const { return line_ + " }"; }
+
+  private:
+    std::string line_ = "{";
+};
 
 /// What a saved `get --json` holds; nothing, and the reason in \p error, for any other text.
 std::optional<std::map<std::string, std::string>> parseSaved(const std::string& json,

@@ -4,8 +4,6 @@
 #include "trctl/Plot.h"
 #include "trctl/Text.h"
 
-#include <set>
-
 namespace trctl {
 
 namespace {
@@ -30,10 +28,6 @@ std::string shown(const std::string* value, const char* otherwise) {
     return value == nullptr ? otherwise : shortened(escaped(*value), kLongestValue, "~");
 }
 
-client::Member orNull(const std::string* value) {
-    return value == nullptr ? client::Member(nullptr) : client::Member(*value);
-}
-
 const std::string* valueIn(const Round& round, const std::string& address) {
     const auto found = round.values.find(address);
     return found == round.values.end() ? nullptr : &found->second;
@@ -44,15 +38,12 @@ const std::string* valueIn(const Round& round, const std::string& address) {
 bool ChangeWriter::print(const Round& before, const Round& after) {
     if (!date_.empty()) printDate(after.time);
     const auto linesBefore = lines_;
-    std::set<std::string> addresses;
-    for (const Round* round : {&before, &after})
-        for (const auto& [address, value] : round->values) addresses.insert(address);
-    for (const std::string& address : addresses) {
-        const Change change{address, valueIn(before, address), valueIn(after, address)};
-        const bool isSame =
-            change.before != nullptr && change.after != nullptr && *change.before == *change.after;
-        if (!isSame && !isEnough()) take(change, before, after);
+    for (const auto& [address, value] : after.values) {
+        const std::string* const old = valueIn(before, address);
+        if (old == nullptr || *old != value) take({address, old, &value}, before, after);
     }
+    for (const auto& [address, value] : before.values)
+        if (after.values.count(address) == 0) take({address, &value, nullptr}, before, after);
     out_.flush();
     return isEnough() || (options_.once && lines_ > linesBefore);
 }
@@ -62,6 +53,7 @@ bool ChangeWriter::isEnough() const {
 }
 
 void ChangeWriter::take(const Change& change, const Round& before, const Round& after) {
+    if (isEnough()) return;
     std::optional<double> rate;
     if (options_.rate && change.before != nullptr && change.after != nullptr)
         rate =
@@ -93,13 +85,14 @@ void ChangeWriter::printText(const Change& change, std::time_t time,
 
 void ChangeWriter::printJson(const Change& change, std::time_t time,
                              const std::optional<double>& rate) {
-    client::Members members = {{"time", isoTime(time)},
-                               {"address", change.address},
-                               {"before", orNull(change.before)},
-                               {"after", orNull(change.after)}};
-    if (options_.rate)
-        members.emplace_back("perSecond", rate ? client::Member(*rate) : client::Member(nullptr));
-    out_.line(escapedJson(client::toJsonLine(members)));
+    const std::string when = isoTime(time);
+    client::JsonLine line;
+    line.addText("time", &when);
+    line.addText("address", &change.address);
+    line.addText("before", change.before);
+    line.addText("after", change.after);
+    if (options_.rate) line.addRaw("perSecond", rate ? numberText(*rate).c_str() : "null");
+    out_.line(escapedJson(line.end()));
 }
 
 }  // namespace trctl

@@ -30,7 +30,7 @@ class ChangeWriter {
 
   private:
     struct Change {
-        std::string address;
+        const std::string& address;
         const std::string* before;  ///< null for a parameter that was not there
         const std::string* after;   ///< null for one that is gone
     };
@@ -46,7 +46,7 @@ class ChangeWriter {
     Output& out_;
     Rates rates_;
     std::string date_;  ///< the one printed last
-    long long lines_ = 0;
+    unsigned lines_ = 0;
 };
 
 }  // namespace trctl

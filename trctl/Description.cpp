@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace trctl {
 
@@ -51,9 +52,10 @@ std::optional<Description> descriptionOf(const std::string& address) {
         if (!row.empty() && row.front() == '@') {
             prefixes = row.substr(std::min<std::size_t>(2, row.size()));
         } else if (!row.empty() && isNamed(address, prefixes, take(row, '|'))) {
-            const std::string unit(take(row, '|'));
-            const std::string source(take(row, '|'));
-            return Description{unit, source, std::string(row)};
+            std::string unit(take(row, '|'));
+            std::string source(take(row, '|'));
+            if (source.empty() && address.back() != '.') source = "constant";
+            return Description{std::move(unit), std::move(source), std::string(row)};
         }
     }
     return std::nullopt;

@@ -17,7 +17,7 @@ std::optional<Description> descriptionOf(const std::string& address);
 
 /// The rows of the document: a line "@ PREFIX..." and the rows beneath these prefixes, each
 /// NAME|UNIT|SOURCE|MEANING; the name "." is the prefix itself. In a prefix or a name {i} stands
-/// for any instance number.
+/// for any instance number. A parameter without a source is a constant.
 extern const char kParameterTable[];
 
 }  // namespace trctl

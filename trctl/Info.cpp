@@ -6,81 +6,70 @@
 #include "trctl/Watched.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 
 namespace trctl {
 
 namespace {
 
-struct Facts {
-    std::string address;
-    std::optional<std::string> value;  ///< nothing for an object
-    bool isWritable;
-    bool isForcedInform;
-    std::optional<Description> description;
-    std::optional<bool> isWatched;  ///< nothing when it is not known
+/// What is known about one address, as lines for people or as one line of JSON.
+class Sheet {
+  public:
+    Sheet(Output& out, bool isJson) : out_(out), isJson_(isJson) {}
+
+    bool isJson() const { return isJson_; }
+    /// Null is not known.
+    void add(const char* label, const char* key, const std::string* text) {
+        if (isJson_)
+            json_.addText(key, text);
+        else
+            print(label, text == nullptr ? "unknown" : escaped(*text));
+    }
+    void add(const char* label, const char* key, std::optional<bool> is) {
+        if (isJson_)
+            json_.addRaw(key, !is ? "null" : *is ? "true" : "false");
+        else
+            print(label, !is ? "unknown" : *is ? "yes" : "no");
+    }
+    void end() {
+        if (isJson_) out_.line(escapedJson(json_.end()));
+    }
+
+  private:
+    void print(const char* label, const std::string& text) {
+        constexpr std::size_t kColumns = 15;
+        out_.line(padded(label, kColumns) + text);
+    }
+
+    Output& out_;
+    bool isJson_;
+    client::JsonLine json_;
 };
 
-const char* kindOf(const Facts& facts) {
-    return facts.value ? "parameter" : "object";
-}
-
-client::Member orNull(const std::optional<std::string>& text) {
-    return text ? client::Member(*text) : client::Member(nullptr);
-}
-
-void printJson(Output& out, const Facts& facts) {
-    const auto& about = facts.description;
-    const auto known = [&](std::string Description::*text) {
-        return about ? client::Member((*about).*text) : client::Member(nullptr);
-    };
-    out.line(escapedJson(
-        client::toJsonLine({{"address", facts.address},
-                            {"kind", std::string(kindOf(facts))},
-                            {"type", std::string(typeOf(facts.address, facts.value.value_or("")))},
-                            {"value", orNull(facts.value)},
-                            {"writable", facts.isWritable},
-                            {"forcedInform", facts.isForcedInform},
-                            {"source", known(&Description::source)},
-                            {"unit", known(&Description::unit)},
-                            {"meaning", known(&Description::meaning)},
-                            {"watched", facts.isWatched ? client::Member(*facts.isWatched)
-                                                        : client::Member(nullptr)}})));
-}
-
-void printField(Output& out, const char* name, const std::string& text) {
-    out.line(padded(name, 15) + text);
-}
-
-const char* yesOrNo(bool is) {
-    return is ? "yes" : "no";
-}
-
-void printText(Output& out, const Facts& facts) {
-    printField(out, "address", escaped(facts.address));
-    printField(out, "kind", kindOf(facts));
-    if (facts.value) {
-        printField(out, "type", typeOf(facts.address, *facts.value));
-        printField(out, "value", escaped(*facts.value));
-    }
-    printField(out, "writable", yesOrNo(facts.isWritable));
-    printField(out, "forced inform", yesOrNo(facts.isForcedInform));
-    const Description about = facts.description.value_or(Description{"", "unknown", "unknown"});
-    if (facts.value) printField(out, "source", about.source);
-    if (!about.unit.empty()) printField(out, "unit", about.unit);
-    printField(out, "meaning", about.meaning);
-    if (facts.value)
-        printField(out, "watched", facts.isWatched ? yesOrNo(*facts.isWatched) : "unknown");
-}
-
-Facts factsOf(client::Daemon& daemon, const Watched& watched, const std::string& address,
-              const std::string& value) {
+// JSON has every member; people see what applies: an object has neither type, value nor source.
+void print(Context& context, const Watched& watched, const std::string& address,
+           const std::string& value) {
     const bool isParameter = !isObject(address);
-    return {address,
-            isParameter ? std::optional<std::string>(value) : std::nullopt,
-            daemon.isWritable(address),
-            daemon.isForcedInform(address),
-            descriptionOf(address),
-            isParameter ? watched.has(address) : false};
+    const std::string kind = isParameter ? "parameter" : "object";
+    const std::string type = typeOf(address, value);
+    const auto about = descriptionOf(address);
+    const bool isWritable = context.daemon.isWritable(address);
+    const bool isForcedInform = context.daemon.isForcedInform(address);
+    Sheet sheet(context.out, context.options.json);
+    const bool isWhole = isParameter || sheet.isJson();
+    sheet.add("address", "address", &address);
+    sheet.add("kind", "kind", &kind);
+    if (isWhole) sheet.add("type", "type", &type);
+    if (isWhole) sheet.add("value", "value", isParameter ? &value : nullptr);
+    sheet.add("writable", "writable", isWritable);
+    sheet.add("forced inform", "forcedInform", isForcedInform);
+    if (isWhole) sheet.add("source", "source", about ? &about->source : nullptr);
+    if (sheet.isJson() || (about && !about->unit.empty()))
+        sheet.add("unit", "unit", about ? &about->unit : nullptr);
+    sheet.add("meaning", "meaning", about ? &about->meaning : nullptr);
+    if (isWhole) sheet.add("watched", "watched", isParameter ? watched.has(address) : false);
+    sheet.end();
 }
 
 }  // namespace
@@ -93,14 +82,9 @@ int info(Context& context) {
     for (const std::string& address : selection.found) {
         const auto value = isObject(address) ? std::string() : reader.value(address);
         if (!value) continue;
-        const Facts facts = factsOf(context.daemon, watched, address, *value);
-        if (context.options.json) {
-            printJson(context.out, facts);
-            continue;
-        }
-        if (!isFirst) context.out.line("");
+        if (!isFirst && !context.options.json) context.out.line("");
         isFirst = false;
-        printText(context.out, facts);
+        print(context, watched, address, *value);
     }
     return std::max(reader.status(), complainOfUnmatched(context, selection.unmatched));
 }

@@ -159,7 +159,7 @@ void addWaiting(CLI::App& app, Options& options) {
                     "Leave out UpTime, LastChange and ResetTime, which only count time");
     watch->add_flag("--rate", options.rate, "With the growth of counters per second");
     watch->add_option("--count", options.count, "End after so many changes")
-        ->check(CLI::Range(1, 1'000'000'000))
+        ->check(CLI::Range(1U, 10'000U))
         ->type_name("N");
     watch->add_flag("--once", options.once, "End after the first read that finds a change");
     watch->add_flag("--json", options.json, "As one JSON object a line");
@@ -260,10 +260,6 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
         }
         status = wrongCall(error.what());
         return std::nullopt;
-    }
-    if (const std::size_t end = options.awaited.find('='); end != std::string::npos) {
-        options.parameter = options.awaited.substr(0, end);
-        options.value = options.awaited.substr(end + 1);
     }
     options.command = app.get_subcommands().front()->get_name();
     const std::string fault = options.command == "watch" ? faultOfWatch(options) : "";

@@ -20,9 +20,9 @@ struct Options {
     std::string bus;
     ColorMode color = ColorMode::Auto;
     std::vector<std::string> paths;
-    std::string parameter;  ///< the one that is to be set or waited for; `wait` may have none
+    std::string parameter;  ///< the one that is to be set
     std::string value;
-    std::string awaited;  ///< PATH=VALUE, as it was given
+    std::string awaited;  ///< PATH=VALUE; empty for the first cycle
     std::string file;
     bool json = false;
     bool parametersOnly = false;
@@ -35,7 +35,7 @@ struct Options {
     bool noClocks = false;
     bool rate = false;
     bool once = false;
-    int count = 0;  ///< change lines; 0 for any number
+    unsigned count = 0;  ///< change lines; 0 for any number
     double timeoutSeconds = 30;
     std::string snapshot;      ///< the archive that `report` reads instead of the daemon
     double watchSeconds = 10;  ///< how long `report` watches

@@ -9,10 +9,11 @@ string(REGEX MATCHALL
        "\n(@[^\n]*|[^ /|\n]+ [|] [a-z]+( of [a-z]+)? [|]${kelm_cell}[|]${kelm_cell}[|]${kelm_cell}[|]${kelm_cell}[|]${kelm_cell})"
        KELM_PARAMETER_TABLE "${KELM_PARAMETER_ROWS}")
 string(REPLACE ";\n" "\n" KELM_PARAMETER_TABLE "${KELM_PARAMETER_TABLE}")
-# Kept are NAME|UNIT|SOURCE|MEANING.
+# Kept are NAME|UNIT|SOURCE|MEANING, without the most frequent source.
 string(REGEX REPLACE "\n([^@ |\n]+) [|][^|\n]*[|] *${kelm_cell}[|] *${kelm_cell}[|][^|\n]*[|][^|\n]*[|] *${kelm_cell}"
                      "\n\\1|\\2|\\3|\\4" KELM_PARAMETER_TABLE "${KELM_PARAMETER_TABLE}")
 string(REPLACE " |" "|" KELM_PARAMETER_TABLE "${KELM_PARAMETER_TABLE}")
+string(REPLACE "|constant|" "||" KELM_PARAMETER_TABLE "${KELM_PARAMETER_TABLE}")
 string(REPLACE "`" "" KELM_PARAMETER_TABLE "${KELM_PARAMETER_TABLE}")
 file(CONFIGURE OUTPUT ParameterTable.cpp @ONLY CONTENT [[
 #include "trctl/Description.h"

@@ -21,6 +21,9 @@ Selection select(Addresses listed, const Addresses& paths);
 /// The same, but an object's path names the object itself.
 Selection selectThemselves(Addresses listed, const Addresses& paths);
 
+/// The addresses that none of the paths names.
+Addresses without(Addresses found, const Addresses& paths);
+
 /// The addresses one level beneath each of these objects, or at the top without any; where more
 /// follows they end with a point. Nothing for the path of a parameter.
 Addresses nextLevel(Addresses listed, const Addresses& objects);

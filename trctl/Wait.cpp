@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <functional>
 #include <string>
 #include <thread>
 
@@ -20,48 +19,44 @@ constexpr char kLastOfTheCycle[] = "Device.DeviceInfo.DeviceLog";
 constexpr std::chrono::milliseconds kPause{100};
 constexpr std::size_t kLongestValue = 200;
 
-// Looks until nothing is amiss. Returns what was amiss at the last look; empty when nothing.
-std::string lookUntil(double seconds, const std::function<std::string()>& look) {
-    const auto deadline = steady_clock::now() + std::chrono::duration<double>(seconds);
-    while (true) {
-        const bool isLast = steady_clock::now() >= deadline;
-        try {
-            const std::string amiss = look();
-            if (amiss.empty() || isLast) return amiss;
-        } catch (const client::NoDaemon&) {
-            if (isLast) throw;
-        }
-        std::this_thread::sleep_for(kPause);
-    }
-}
-
 bool isListed(client::Daemon& daemon, const std::string& parameter) {
     const Addresses all = daemon.parameters();
     return std::find(all.begin(), all.end(), parameter) != all.end();
 }
 
-// White space at the end does not count: most values that come from files end with a line feed.
-std::string faultOfValue(client::Daemon& daemon, const std::string& parameter,
-                         const std::string& wanted) {
+// Why what is waited for, PATH=VALUE or the first cycle, is not so; empty when it is. White space
+// at the end does not count: most values that come from files end with a line feed.
+std::string amiss(client::Daemon& daemon, const std::string& awaited) {
+    if (awaited.empty())
+        return isListed(daemon, kLastOfTheCycle) ? "" : "the first cycle is not over";
+    const std::size_t sign = awaited.find('=');
+    const std::string parameter = awaited.substr(0, sign);
     const std::string value = valueOrReason(daemon, parameter);
     // The daemon reads an unknown address as the empty text.
     if (value.empty() && !isListed(daemon, parameter)) return "there is no " + parameter;
-    if (TR::Utils::trimRight(value) == TR::Utils::trimRight(wanted)) return "";
+    if (TR::Utils::trimRight(value) == TR::Utils::trimRight(awaited.substr(sign + 1))) return "";
     return parameter + " has the value \"" + shortened(value, kLongestValue, "~") + '"';
 }
 
 }  // namespace
 
 int wait(Context& context) {
-    const Options& options = context.options;
-    const std::string amiss = lookUntil(options.timeoutSeconds, [&]() -> std::string {
-        if (!options.parameter.empty())
-            return faultOfValue(context.daemon, options.parameter, options.value);
-        return isListed(context.daemon, kLastOfTheCycle) ? "" : "the first cycle is not over";
-    });
-    if (amiss.empty()) return kDone;
-    complain(amiss + " after " + numberText(options.timeoutSeconds) + " s");
-    return kRefused;
+    const double seconds = context.options.timeoutSeconds;
+    const auto deadline = steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (true) {
+        const bool isLast = steady_clock::now() >= deadline;
+        try {
+            const std::string fault = amiss(context.daemon, context.options.awaited);
+            if (fault.empty()) return kDone;
+            if (isLast) {
+                complain(fault + " after " + numberText(seconds) + " s");
+                return kRefused;
+            }
+        } catch (const client::NoDaemon&) {
+            if (isLast) throw;
+        }
+        std::this_thread::sleep_for(kPause);
+    }
 }
 
 }  // namespace trctl

@@ -9,7 +9,6 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 
 namespace trctl {
 
@@ -40,17 +39,10 @@ bool isClock(const std::string& address) {
 }
 
 // Without what the options leave out.
-Addresses kept(Addresses found, const Options& options) {
-    std::unordered_set<std::string> except;
-    if (!options.except.empty()) {
-        Addresses excepted = select(found, options.except).found;
-        except.insert(excepted.begin(), excepted.end());
-    }
-    const auto isLeftOut = [&](const std::string& address) {
-        return except.count(address) != 0 || (options.noClocks && isClock(address));
-    };
-    found.erase(std::remove_if(found.begin(), found.end(), isLeftOut), found.end());
-    return found;
+Addresses kept(const Addresses& found, const Options& options) {
+    Addresses left = without(found, options.except);
+    if (options.noClocks) left.erase(std::remove_if(left.begin(), left.end(), isClock), left.end());
+    return left;
 }
 
 // Why there is nothing to wait for; empty when there is, or when the daemon has nothing yet.

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <optional>
-#include <set>
 #include <string>
+#include <vector>
 
 namespace trctl {
 
@@ -13,15 +13,15 @@ class Watched {
     /// Nothing is known when the file is missing, or for root alone.
     Watched();
     /// The rows are these.
-    explicit Watched(const std::string& rows);
+    explicit Watched(const std::vector<std::string>& rows);
 
     /// Nothing when it is not known.
     std::optional<bool> has(const std::string& parameter) const;
 
   private:
-    void add(const std::string& rows);
+    void add(const std::string& row);
 
-    std::set<std::string> parameters_;
+    std::vector<std::string> parameters_;
     bool isKnown_ = false;  ///< every row could be read
 };
 

@@ -245,12 +245,11 @@ TEST_F(CommandsTest, WaitHasATimeLimit) {
 }
 
 TEST_F(CommandsTest, WaitEndsWhenTheParameterHasTheValue) {
-    options_.parameter = "D.A.Mode";
-    options_.value = "off";
+    options_.awaited = "D.A.Mode=of=f";
     int looks = 0;
     daemon_.onValue = [&] {
         if (++looks == 1) throw client::NoDaemon("there is no kelm-trd", "");
-        if (looks == 3) daemon_.entries["D.A.Mode"].value = "off\n";
+        if (looks == 3) daemon_.entries["D.A.Mode"].value = "of=f\n";
     };
     EXPECT_EQ(run("wait"), kDone);
     EXPECT_EQ(looks, 3);
@@ -259,12 +258,10 @@ TEST_F(CommandsTest, WaitEndsWhenTheParameterHasTheValue) {
 
 TEST_F(CommandsTest, WaitForAValueHasATimeLimit) {
     options_.timeoutSeconds = 0;
-    options_.parameter = "D.A.Mode";
-    options_.value = "of";
+    options_.awaited = "D.A.Mode=aut";
     EXPECT_EQ(run("wait"), kRefused);
     EXPECT_EQ(errors_, "trctl: D.A.Mode has the value \"auto\" after 0 s\n");
-    options_.parameter = "D.Nope";
-    options_.value = "";
+    options_.awaited = "D.Nope=";
     EXPECT_EQ(run("wait"), kRefused);
     EXPECT_EQ(errors_, "trctl: there is no D.Nope after 0 s\n");
     EXPECT_EQ(daemon_.entries.count("D.Nope"), 0U);
@@ -275,8 +272,7 @@ TEST_F(CommandsTest, WaitForAValueHasATimeLimit) {
 }
 
 TEST_F(CommandsTest, WaitForTheEmptyTextNeedsTheParameter) {
-    options_.parameter = "D.Void";
-    options_.value = "";
+    options_.awaited = "D.Void=";
     int looks = 0;
     daemon_.onList = [&] {
         if (++looks == 2) daemon_.entries["D.Void"] = {""};

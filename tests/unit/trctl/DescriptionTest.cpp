@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -49,24 +50,24 @@ TEST(DescriptionTest, AnAddressThatTheDocumentDoesNotHaveHasNone) {
         EXPECT_FALSE(descriptionOf(address).has_value()) << address;
 }
 
+using Rows = std::vector<std::string>;
 const std::string kRow = R"({ "parameter": "A", "value": "1", "notification": "2" })";
 
 TEST(WatchedTest, ARowOfTheClientsFileIsAWatchedParameter) {
     const Watched watched(
-        kRow + "\n" +
-        R"({ "parameter": "B", "value": "", "notification": "1", "type": "xsd:string" })"
-        "\n"
-        R"({ "parameter": "C", "value": "", "notification": "0" })");
+        {kRow, R"({ "parameter": "B", "value": "", "notification": "1", "type": "xsd:string" })",
+         R"({ "parameter": "C", "value": "", "notification": "0" })"
+         "\n"});
     EXPECT_EQ(watched.has("A"), true);
     EXPECT_EQ(watched.has("B"), true);
     EXPECT_EQ(watched.has("C"), false);
     EXPECT_EQ(watched.has("D"), false);
-    EXPECT_EQ(Watched("").has("A"), false);
+    EXPECT_EQ(Watched(Rows{}).has("A"), false);
 }
 
 TEST(WatchedTest, AnUnreadableRowLeavesTheOthersUnknown) {
     for (const char* row : {"{", "[]", R"({ "parameter": "B" })", "\xff"}) {
-        const Watched watched(kRow + "\n" + row);
+        const Watched watched({kRow, row});
         EXPECT_EQ(watched.has("A"), true) << row;
         EXPECT_EQ(watched.has("B"), std::nullopt) << row;
     }

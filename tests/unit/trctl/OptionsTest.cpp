@@ -121,14 +121,13 @@ TEST(OptionsTest, ExceptTakesOnePathEachTime) {
     EXPECT_EQ(parsed.options->paths, (Words{"b", "d"}));
 }
 
-TEST(OptionsTest, WhatIsWaitedForIsSplitAtTheFirstEqualsSign) {
+TEST(OptionsTest, WaitTakesAParameterAndAValueThatMayBeEmpty) {
     const Parsed parsed = parse({"wait", "D.A=b=c", "--timeout", "2"});
     ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
-    EXPECT_EQ(parsed.options->parameter, "D.A");
-    EXPECT_EQ(parsed.options->value, "b=c");
+    EXPECT_EQ(parsed.options->awaited, "D.A=b=c");
     EXPECT_EQ(parsed.options->timeoutSeconds, 2);
-    EXPECT_EQ(parse({"wait", "D.A="}).options->value, "");
-    EXPECT_EQ(parse({"wait"}).options->parameter, "");
+    EXPECT_EQ(parse({"wait", "D.A="}).options->awaited, "D.A=");
+    EXPECT_EQ(parse({"wait"}).options->awaited, "");
 }
 
 TEST(OptionsTest, CommonOptionsMayComeAfterTheCommand) {

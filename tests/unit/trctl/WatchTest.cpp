@@ -64,7 +64,7 @@ TEST_F(ChangeWriterTest, MidnightWithoutAnyChangeBeforeItPrintsNothing) {
 
 TEST_F(ChangeWriterTest, AParameterThatComesOrGoesIsAChange) {
     EXPECT_EQ(print({at(0, {{"A", "1"}}), at(1, {{"B", "\x1b"}})}),
-              "2026-11-21\n23:59:01 A: 1 -> (gone)\n23:59:01 B: (none) -> \\x1b\n");
+              "2026-11-21\n23:59:01 B: (none) -> \\x1b\n23:59:01 A: 1 -> (gone)\n");
 }
 
 TEST_F(ChangeWriterTest, JsonHasTheWholeTimeAndTheWholeValue) {
