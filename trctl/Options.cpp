@@ -137,14 +137,6 @@ void addWriting(CLI::App& app, Options& options) {
     set->add_option("VALUE", options.value, "What to write")->required()->type_name("");
 }
 
-std::string faultOfAwaited(const std::string& text) {
-    const std::string path = text.substr(0, text.find('='));
-    if (path == text || path.empty()) return "it has the form PATH=VALUE";
-    if (path.back() == '.' || path.find_first_of("*?[") != std::string::npos)
-        return path + " is not one parameter";
-    return "";
-}
-
 void addWaiting(CLI::App& app, Options& options) {
     CLI::App* watch = add(app, "watch", "Print changes as they happen", kWatchExamples);
     addPaths(watch, options, "What to watch; all of it otherwise");
@@ -159,7 +151,7 @@ void addWaiting(CLI::App& app, Options& options) {
                     "Leave out UpTime, LastChange and ResetTime, which only count time");
     watch->add_flag("--rate", options.rate, "With the growth of counters per second");
     watch->add_option("--count", options.count, "End after so many changes")
-        ->check(CLI::Range(1U, 10'000U))
+        ->check(CLI::Range(1.0, 1e6))
         ->type_name("N");
     watch->add_flag("--once", options.once, "End after the first read that finds a change");
     watch->add_flag("--json", options.json, "As one JSON object a line");
@@ -169,9 +161,8 @@ void addWaiting(CLI::App& app, Options& options) {
 
     CLI::App* wait =
         add(app, "wait", "Wait for the end of the first cycle, or for a value", kWaitExamples);
-    wait->add_option("PATH=VALUE", options.awaited,
-                     "The parameter and the value that it shall have")
-        ->check(faultOfAwaited, "")
+    wait->add_option("PATH=VALUE", options.paths, "The parameter and the value that it shall have")
+        ->expected(0, 1)
         ->type_name("");
     wait->add_option("--timeout", options.timeoutSeconds, "Seconds to wait for it")
         ->check(CLI::Range(0.0, 86'400.0))
@@ -233,6 +224,21 @@ const char* faultOfWatch(const Options& options) {
     return "";
 }
 
+std::string faultOfWait(const Options& options) {
+    if (options.paths.empty()) return "";
+    const std::string& awaited = options.paths.front();
+    const std::string path = awaited.substr(0, awaited.find('='));
+    if (path == awaited || path.empty()) return "'" + awaited + "' is not PATH=VALUE";
+    const bool isOne = path.back() != '.' && path.find_first_of("*?[") == std::string::npos;
+    return isOne ? "" : path + " is not one parameter";
+}
+
+// Why a call that parses makes no sense; empty when it does.
+std::string faultOf(const Options& options) {
+    if (options.command == "watch") return faultOfWatch(options);
+    return options.command == "wait" ? faultOfWait(options) : "";
+}
+
 int wrongCall(const char* reason) {
     complain(reason);
     std::cerr << "Run with --help for more information.\n";
@@ -262,7 +268,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
         return std::nullopt;
     }
     options.command = app.get_subcommands().front()->get_name();
-    const std::string fault = options.command == "watch" ? faultOfWatch(options) : "";
+    const std::string fault = faultOf(options);
     if (!fault.empty()) {
         status = wrongCall(fault.c_str());
         return std::nullopt;

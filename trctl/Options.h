@@ -19,10 +19,9 @@ struct Options {
     std::string command;
     std::string bus;
     ColorMode color = ColorMode::Auto;
-    std::vector<std::string> paths;
-    std::string parameter;  ///< the one that is to be set
+    std::vector<std::string> paths;  ///< `wait`: none, or PATH=VALUE
+    std::string parameter;           ///< the one that is to be set
     std::string value;
-    std::string awaited;  ///< PATH=VALUE; empty for the first cycle
     std::string file;
     bool json = false;
     bool parametersOnly = false;

@@ -26,9 +26,10 @@ bool isListed(client::Daemon& daemon, const std::string& parameter) {
 
 // Why what is waited for, PATH=VALUE or the first cycle, is not so; empty when it is. White space
 // at the end does not count: most values that come from files end with a line feed.
-std::string amiss(client::Daemon& daemon, const std::string& awaited) {
-    if (awaited.empty())
+std::string faultOf(client::Daemon& daemon, const Addresses& paths) {
+    if (paths.empty())
         return isListed(daemon, kLastOfTheCycle) ? "" : "the first cycle is not over";
+    const std::string& awaited = paths.front();
     const std::size_t sign = awaited.find('=');
     const std::string parameter = awaited.substr(0, sign);
     const std::string value = valueOrReason(daemon, parameter);
@@ -46,7 +47,7 @@ int wait(Context& context) {
     while (true) {
         const bool isLast = steady_clock::now() >= deadline;
         try {
-            const std::string fault = amiss(context.daemon, context.options.awaited);
+            const std::string fault = faultOf(context.daemon, context.options.paths);
             if (fault.empty()) return kDone;
             if (isLast) {
                 complain(fault + " after " + numberText(seconds) + " s");

@@ -245,39 +245,35 @@ TEST_F(CommandsTest, WaitHasATimeLimit) {
 }
 
 TEST_F(CommandsTest, WaitEndsWhenTheParameterHasTheValue) {
-    options_.awaited = "D.A.Mode=of=f";
     int looks = 0;
     daemon_.onValue = [&] {
         if (++looks == 1) throw client::NoDaemon("there is no kelm-trd", "");
         if (looks == 3) daemon_.entries["D.A.Mode"].value = "of=f\n";
     };
-    EXPECT_EQ(run("wait"), kDone);
+    EXPECT_EQ(run("wait", {"D.A.Mode=of=f"}), kDone);
     EXPECT_EQ(looks, 3);
     EXPECT_EQ(output_ + errors_, "");
 }
 
 TEST_F(CommandsTest, WaitForAValueHasATimeLimit) {
     options_.timeoutSeconds = 0;
-    options_.awaited = "D.A.Mode=aut";
-    EXPECT_EQ(run("wait"), kRefused);
+    EXPECT_EQ(run("wait", {"D.A.Mode=aut"}), kRefused);
     EXPECT_EQ(errors_, "trctl: D.A.Mode has the value \"auto\" after 0 s\n");
-    options_.awaited = "D.Nope=";
-    EXPECT_EQ(run("wait"), kRefused);
+    EXPECT_EQ(run("wait", {"D.Nope="}), kRefused);
     EXPECT_EQ(errors_, "trctl: there is no D.Nope after 0 s\n");
     EXPECT_EQ(daemon_.entries.count("D.Nope"), 0U);
     daemon_.onValue = [] { throw client::NoDaemon("there is no kelm-trd", ""); };
-    EXPECT_THROW(run("wait"), client::NoDaemon);
+    EXPECT_THROW(run("wait", {"D.Nope="}), client::NoDaemon);
     testing::internal::GetCapturedStdout();
     testing::internal::GetCapturedStderr();
 }
 
 TEST_F(CommandsTest, WaitForTheEmptyTextNeedsTheParameter) {
-    options_.awaited = "D.Void=";
     int looks = 0;
     daemon_.onList = [&] {
         if (++looks == 2) daemon_.entries["D.Void"] = {""};
     };
-    EXPECT_EQ(run("wait"), kDone);
+    EXPECT_EQ(run("wait", {"D.Void="}), kDone);
     EXPECT_EQ(looks, 2);
 }
 

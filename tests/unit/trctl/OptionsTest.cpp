@@ -42,10 +42,12 @@ TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
                                {"watch", "--interval", "0"},
                                {"watch", "--interval", "x"},
                                {"watch", "--count", "0"},
+                               {"watch", "--count", "2.5"},
                                {"watch", "--except"},
                                {"wait", "--timeout", "-1"},
                                {"wait", "a"},
                                {"wait", "=a"},
+                               {"wait", ""},
                                {"wait", "D.=a"},
                                {"wait", "D.*=a"},
                                {"wait", "D.A=a", "D.B=b"},
@@ -124,10 +126,10 @@ TEST(OptionsTest, ExceptTakesOnePathEachTime) {
 TEST(OptionsTest, WaitTakesAParameterAndAValueThatMayBeEmpty) {
     const Parsed parsed = parse({"wait", "D.A=b=c", "--timeout", "2"});
     ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
-    EXPECT_EQ(parsed.options->awaited, "D.A=b=c");
+    EXPECT_EQ(parsed.options->paths, Words{"D.A=b=c"});
     EXPECT_EQ(parsed.options->timeoutSeconds, 2);
-    EXPECT_EQ(parse({"wait", "D.A="}).options->awaited, "D.A=");
-    EXPECT_EQ(parse({"wait"}).options->awaited, "");
+    EXPECT_EQ(parse({"wait", "D.A="}).options->paths, Words{"D.A="});
+    EXPECT_TRUE(parse({"wait"}).options->paths.empty());
 }
 
 TEST(OptionsTest, CommonOptionsMayComeAfterTheCommand) {
