@@ -52,18 +52,29 @@ Object parseObject(const std::string& text, std::string& error) {
     return object;
 }
 
+json_object* newText(const std::string& text) {
+    return json_object_new_string_len(text.data(), static_cast<int>(text.size()));
+}
+
 }  // namespace
 
 std::string toJson(const Values& values) {
     const Object object(json_object_new_object());
-    for (const auto& [address, value] : values) {
-        json_object_object_add(
-            object.get(), address.c_str(),
-            json_object_new_string_len(value.data(), static_cast<int>(value.size())));
-    }
+    for (const auto& [address, value] : values)
+        json_object_object_add(object.get(), address.c_str(), newText(value));
     return json_object_to_json_string_ext(object.get(), JSON_C_TO_STRING_PRETTY |
                                                             JSON_C_TO_STRING_SPACED |
                                                             JSON_C_TO_STRING_NOSLASHESCAPE);
+}
+
+void JsonLine::addText(const char* name, const std::string* text) {
+    const Object object(text == nullptr ? nullptr : newText(*text));
+    addRaw(name, json_object_to_json_string_ext(object.get(), JSON_C_TO_STRING_NOSLASHESCAPE));
+}
+
+void JsonLine::addRaw(const char* name, const char* json) {
+    if (line_.size() > 1) line_ += ',';
+    line_.append(" \"").append(name).append("\": ").append(json);
 }
 
 std::optional<std::map<std::string, std::string>> parseSaved(const std::string& json,

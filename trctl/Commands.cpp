@@ -23,18 +23,6 @@ std::string faultOf(const std::string& path, const Addresses& all) {
     return "there is no " + path;
 }
 
-void printInfo(Context& context, const std::string& address, const std::string& value) {
-    const auto yesOrNo = [](bool is) { return is ? "yes" : "no"; };
-    const bool writable = context.daemon.isWritable(address);
-    const bool inform = context.daemon.isForcedInform(address);
-    context.out.line("address        " + fittedName(context, escaped(address), 15));
-    context.out.line(std::string("kind           ") + (isObject(address) ? "object" : "parameter"));
-    if (!isObject(address))
-        context.out.line("value          " + fitted(context, escaped(value), 15));
-    context.out.line(std::string("writable       ") + yesOrNo(writable));
-    context.out.line(std::string("forced inform  ") + yesOrNo(inform));
-}
-
 struct Row {
     const char* name;
     int (*run)(Context&);
@@ -71,20 +59,6 @@ int complainOfUnmatched(Context& context, const Addresses& unmatched) {
         status = kRefused;
     }
     return status;
-}
-
-int info(Context& context) {
-    const Selection selection = selectThemselves(context.daemon.addresses(), context.options.paths);
-    Reader reader(context.daemon);
-    bool isFirst = true;
-    for (const std::string& address : selection.found) {
-        const auto value = isObject(address) ? std::string() : reader.value(address);
-        if (!value) continue;
-        if (!isFirst) context.out.line("");
-        isFirst = false;
-        printInfo(context, address, *value);
-    }
-    return std::max(reader.status(), complainOfUnmatched(context, selection.unmatched));
 }
 
 int runCommand(Context& context) {

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include <set>
+#include <type_traits>
 
 namespace trctl {
 
@@ -68,6 +69,10 @@ constexpr char kTreeExamples[] =
     "  trctl tree Device. --depth 2\n"
     "  trctl tree '**.Status' --ascii";
 constexpr char kInfoExamples[] =
+    "Prints kind, type, value, writable, forced inform, source, unit, meaning, and whether the "
+    "CWMP\n"
+    "client watches it.\n"
+    "\n"
     "Examples:\n"
     "  trctl info Device.DeviceInfo.UpTime\n"
     "  trctl info 'Device.DeviceInfo.*Version'";
@@ -76,14 +81,17 @@ constexpr char kWatchExamples[] =
     "\n"
     "Examples:\n"
     "  trctl watch\n"
-    "  trctl watch Device.IP. --interval 5\n"
+    "  trctl watch --no-clocks --except Device.DeviceInfo.DeviceLog\n"
+    "  trctl watch Device.IP. --rate --interval 5\n"
+    "  trctl watch --once Device.IP.Interface.1.Status\n"
     "  trctl watch --plot Device.DeviceInfo.MemoryStatus.Free";
 constexpr char kWaitExamples[] =
-    "Exit status: 0 the first cycle is over, 1 it is not in time, 3 no daemon in time.\n"
+    "With PATH=VALUE it waits until this parameter has this value; white space at the value's end\n"
+    "does not count. Exit status: 0 it is so, 1 not in time, 3 no daemon in time.\n"
     "\n"
     "Examples:\n"
     "  trctl wait && trctl tree\n"
-    "  trctl wait --timeout 5";
+    "  trctl wait Device.IP.Interface.1.Status=Up --timeout 5";
 constexpr char kDiffExamples[] =
     "FILE is saved output of `trctl get --json`; - is standard input. Lines with - are the "
     "file's,\n"
@@ -121,16 +129,23 @@ CLI::App* add(CLI::App& app, const char* name, const char* about, const char* fo
 }
 
 // The library's own checks print their type.
-CLI::Validator between(double low, double high) {
+template <typename Number>
+CLI::Validator between(Number low, Number high) {
     const auto check = [low, high](std::string& text) {
-        double number = 0;
+        Number number = 0;
         const bool isIn =
             CLI::detail::lexical_cast(text, number) && number >= low && number <= high;
+        const std::string kind = std::is_integral_v<Number> ? "whole number" : "number";
         return isIn ? ""
-                    : "not a number from " + numberText(low) + " to " + numberText(high) + ": `" +
-                          text + '`';
+                    : "not a " + kind + " from " + numberText(low) + " to " + numberText(high) +
+                          ": `" + text + '`';
     };
     return {check, ""};
+}
+
+CLI::Option* addCount(CLI::App* command, const char* name, const char* unit, unsigned& count,
+                      unsigned high, const char* about) {
+    return command->add_option(name, count, about)->check(between(1U, high))->type_name(unit);
 }
 
 CLI::Option* addSeconds(CLI::App* command, const char* name, double& seconds, double low,
@@ -175,14 +190,14 @@ void addReading(CLI::App& app, Options& options) {
         add(app, "tree", "Draw the tree, with values beside the leaves", kTreeExamples);
     addPaths(tree, options, "What to draw; all of it otherwise");
     tree->add_flag("--ascii", options.ascii, "With ASCII strokes in a UTF-8 locale too");
-    tree->add_option("--depth", options.depth, "Draw this many levels beneath PATH")
-        ->check(CLI::Range(1U, 10'000U))
-        ->type_name("LEVELS");
+    addCount(tree, "--depth", "LEVELS", options.depth, 10'000,
+             "Draw this many levels beneath PATH");
     tree->add_flag("--json", options.json, "As JSON objects in objects");
     addWide(tree, options);
 
-    CLI::App* info = add(app, "info", "Print value, writable, forced inform", kInfoExamples);
+    CLI::App* info = add(app, "info", "Print all that is known about parameters", kInfoExamples);
     addPaths(info, options, "Parameters or objects")->required();
+    info->add_flag("--json", options.json, "As one JSON object a line");
     addWide(info, options);
 }
 
@@ -232,11 +247,24 @@ void addWaiting(CLI::App& app, Options& options) {
     CLI::App* watch = add(app, "watch", "Print changes as they happen", kWatchExamples);
     addPaths(watch, options, "What to watch; all of it otherwise");
     addSeconds(watch, "--interval", options.intervalSeconds, 0.05, "Time between two reads");
+    watch->add_option("--except", options.except, "What to leave out; may be repeated")
+        ->type_name("PATH")
+        ->allow_extra_args(false);
+    watch->add_flag("--no-clocks", options.noClocks,
+                    "Leave out UpTime, LastChange and ResetTime, which only count time");
+    watch->add_flag("--rate", options.rate, "With the growth of counters per second");
+    addCount(watch, "--count", "N", options.count, 1'000'000, "End after so many changes");
+    watch->add_flag("--once", options.once, "End after the first read that finds a change");
+    watch->add_flag("--json", options.json, "As one JSON object a line");
     watch->add_flag("--plot", options.plot,
                     "Draw one numeric parameter as a moving line; needs a terminal");
     watch->add_flag("--ascii", options.ascii, "Draw with ASCII in a UTF-8 locale too");
 
-    CLI::App* wait = add(app, "wait", "Wait for the end of the first cycle", kWaitExamples);
+    CLI::App* wait =
+        add(app, "wait", "Wait for the end of the first cycle, or for a value", kWaitExamples);
+    wait->add_option("PATH=VALUE", options.paths, "The parameter and the value that it shall have")
+        ->expected(0, 1)
+        ->type_name("");
     addSeconds(wait, "--timeout", options.timeoutSeconds, 0, "Time to wait for it, in all");
 }
 
@@ -352,8 +380,13 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
     try {
         app.parse(argc, argv);
         options.command = app.get_subcommands().front()->get_name();
-        if (options.command != "help") return options;
-        status = printHelp(app, options.helpOn);
+        const std::string fault = faultOf(options);
+        if (!fault.empty())
+            status = rejectCall(fault, options.command);
+        else if (options.command == "help")
+            status = printHelp(app, options.helpOn);
+        else
+            return options;
     } catch (const CLI::CallForHelp&) {
         status = print(app.help());
     } catch (const CLI::CallForVersion& version) {

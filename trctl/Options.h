@@ -27,8 +27,8 @@ struct Options {
     std::string bus;
     bool quiet = false;
     ColorMode color = ColorMode::Auto;
-    std::vector<std::string> paths;
-    std::string parameter;  ///< the one that is to be set
+    std::vector<std::string> paths;  ///< `wait`: none, or PATH=VALUE
+    std::string parameter;           ///< the one that is to be set
     std::string value;
     std::vector<std::string> more;        ///< the words of `set` behind these two
     std::vector<Assignment> assignments;  ///< what these words mean, in order
@@ -46,6 +46,11 @@ struct Options {
     bool plot = false;
     bool ascii = false;
     double intervalSeconds = 1;
+    std::vector<std::string> except;  ///< paths that `watch` leaves out
+    bool noClocks = false;
+    bool rate = false;
+    bool once = false;
+    unsigned count = 0;          ///< change lines; 0 for any number
     double timeoutSeconds = 30;  ///< for each call to the daemon; `wait`: in all
     std::string snapshot;        ///< the archive that `report` reads instead of the daemon
     double watchSeconds = 10;    ///< how long `report` watches

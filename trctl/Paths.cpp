@@ -91,6 +91,15 @@ std::set<std::string> objectsThatMatch(const Addresses& listed, const std::strin
 
 }  // namespace
 
+Addresses without(Addresses found, const Addresses& paths) {
+    if (paths.empty()) return found;
+    const Addresses named = select(found, paths).found;
+    const std::unordered_set<std::string> out(named.begin(), named.end());
+    const auto isNamed = [&](const std::string& address) { return out.count(address) != 0; };
+    found.erase(std::remove_if(found.begin(), found.end(), isNamed), found.end());
+    return found;
+}
+
 Addresses nextLevel(Addresses listed, const Addresses& objects) {
     std::sort(listed.begin(), listed.end());
     Addresses level;

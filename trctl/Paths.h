@@ -22,6 +22,9 @@ Selection select(Addresses listed, const Addresses& paths);
 /// The same, but an object's path names the object itself.
 Selection selectThemselves(Addresses listed, const Addresses& paths);
 
+/// The addresses that none of the paths names.
+Addresses without(Addresses found, const Addresses& paths);
+
 /// The addresses one level beneath each of these objects, or at the top without any; where more
 /// follows they end with a point. Nothing for the path of a parameter. A pattern with a point at
 /// its end stands for every object that it names.

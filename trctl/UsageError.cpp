@@ -1,6 +1,10 @@
 #include "trctl/UsageError.h"
 
 #include "trctl/Nearest.h"
+#include "trctl/Options.h"
+#include "trctl/Paths.h"
+#include "trctl/Pattern.h"
+#include "trctl/Rates.h"
 
 #include <CLI/CLI.hpp>
 
@@ -67,7 +71,36 @@ std::string complaintOfMismatch(const std::string& text) {
                                                      : name + " needs a value";
 }
 
+const char* faultOfWatch(const Options& options) {
+    const bool isSelective = options.noClocks || !options.except.empty();
+    const bool hasEnd = options.once || options.count > 0;
+    if (options.plot && (options.json || options.rate || isSelective || hasEnd))
+        return "--plot draws one parameter until Ctrl-C; only --interval and --ascii go with it";
+    if (options.ascii && !options.plot)
+        return "--ascii is for --plot; changes are printed without strokes";
+    if (options.once && options.count > 0)
+        return "--once ends after one read, --count after N changes; give one of them";
+    if (options.rate && options.once && options.intervalSeconds < Rates::kRefreshSeconds)
+        return "--rate with --once needs an --interval of 5 or more: the daemon refreshes its "
+               "counters every five seconds";
+    return "";
+}
+
+std::string faultOfWait(const Options& options) {
+    if (options.paths.empty()) return "";
+    const std::string& awaited = options.paths.front();
+    const std::string path = awaited.substr(0, awaited.find('='));
+    if (path == awaited || path.empty()) return "'" + awaited + "' is not PATH=VALUE";
+    const bool isOne = !isObject(path) && !Pattern::isPattern(path);
+    return isOne ? "" : path + " is not one parameter";
+}
+
 }  // namespace
+
+std::string faultOf(const Options& options) {
+    if (options.command == "watch") return faultOfWatch(options);
+    return options.command == "wait" ? faultOfWait(options) : "";
+}
 
 std::string unknownCommand(const CLI::App& app, const std::string& word) {
     Words names;

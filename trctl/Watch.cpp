@@ -1,3 +1,4 @@
+#include "trctl/ChangeWriter.h"
 #include "trctl/Commands.h"
 #include "trctl/Plot.h"
 #include "trctl/Text.h"
@@ -5,17 +6,17 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
-#include <map>
-#include <optional>
+#include <iterator>
 #include <string>
+#include <string_view>
 
 namespace trctl {
 
 namespace {
 
-using Round = std::map<std::string, std::string>;
-
 constexpr std::size_t kLongestValue = 200;
+// What only counts time, whichever object it is in.
+constexpr std::string_view kClocks[] = {"UpTime", "LastChange", "ResetTime"};
 
 std::chrono::milliseconds intervalOf(const Context& context) {
     return std::chrono::milliseconds(
@@ -24,60 +25,56 @@ std::chrono::milliseconds intervalOf(const Context& context) {
 
 Round read(client::Daemon& daemon, const Addresses& addresses) {
     Round round;
-    for (const std::string& address : addresses) round[address] = valueOrReason(daemon, address);
+    for (const std::string& address : addresses)
+        round.values[address] = valueOrReason(daemon, address);
+    round.time = std::time(nullptr);
+    round.seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
     return round;
 }
 
-std::string timeOfDay() {
-    char text[16] = "";
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    std::strftime(text, sizeof text, "%H:%M:%S", localtime_r(&now, &local));
-    return text;
+bool isClock(const std::string& address) {
+    const std::string_view name = std::string_view(address).substr(address.rfind('.') + 1);
+    return std::find(std::begin(kClocks), std::end(kClocks), name) != std::end(kClocks);
+}
+
+// Without what the options leave out.
+Addresses kept(const Addresses& found, const Options& options) {
+    Addresses left = without(found, options.except);
+    if (options.noClocks) left.erase(std::remove_if(left.begin(), left.end(), isClock), left.end());
+    return left;
+}
+
+// Why there is nothing to wait for; empty when there is, or when the daemon has nothing yet.
+std::string faultOfChoice(const Addresses& found, const Addresses& watched,
+                          const Options& options) {
+    if (found.empty()) return "";
+    if (watched.empty()) return "--except and --no-clocks leave nothing to watch";
+    if (options.rate && std::none_of(watched.begin(), watched.end(), Rates::isCounter))
+        return "--rate needs a counter: a parameter of an object whose name ends with Stats";
+    return "";
 }
 
 std::string shown(const std::string& value) {
     return shortened(escaped(value), kLongestValue, "~");
 }
 
-/// Prints what differs between two rounds, each line with the same time.
-class Changes {
-  public:
-    explicit Changes(Context& context) : context_(context), time_(timeOfDay()) {}
-
-    void print(const Round& before, const Round& after) {
-        for (const auto& [address, value] : after) {
-            const auto old = before.find(address);
-            if (old == before.end())
-                print(address, "(none)", shown(value));
-            else if (old->second != value)
-                print(address, shown(old->second), shown(value));
-        }
-        for (const auto& [address, value] : before)
-            if (after.count(address) == 0) print(address, shown(value), "(gone)");
-        context_.out.flush();
-    }
-
-  private:
-    void print(const std::string& address, const std::string& before, const std::string& after) {
-        const Terminal& terminal = context_.terminal;
-        context_.out.line(terminal.faint(time_) + ' ' + escaped(address) + ": " + before + " -> " +
-                          terminal.good(after));
-    }
-
-    Context& context_;
-    std::string time_;
-};
-
 int watchChanges(Context& context) {
     const Options& options = context.options;
-    Selection selection = select(context.daemon.parameters(), options.paths);
+    const auto find = [&] { return select(context.daemon.parameters(), options.paths); };
+    const Selection selection = find();
     if (const int status = complainOfUnmatched(context, selection.unmatched)) return status;
-    Round before = read(context.daemon, selection.found);
+    const Addresses watched = kept(selection.found, options);
+    if (const std::string fault = faultOfChoice(selection.found, watched, options);
+        !fault.empty()) {
+        complain(fault);
+        return kRefused;
+    }
+    ChangeWriter writer(options, context.terminal, context.out);
+    Round before = read(context.daemon, watched);
     while (waitFor(intervalOf(context)) != Waited::ReaderGone) {
-        selection = select(context.daemon.parameters(), options.paths);
-        Round after = read(context.daemon, selection.found);
-        Changes(context).print(before, after);
+        Round after = read(context.daemon, kept(find().found, options));
+        if (writer.print(before, after)) break;
         before = std::move(after);
     }
     return kDone;

@@ -178,6 +178,12 @@ TEST_F(TrctlTest, WaitReturnsWhenTheTreeIsWhole) {
     EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM");
     EXPECT_EQ(run({"list", "Device.DeviceInfo.DeviceLog"}).status, 0);
     EXPECT_EQ(waited.output + waited.errors, "");
+    const auto forValue = begin({"wait", kHost + "=10.0.0.9"});
+    ASSERT_TRUE(client().set(kHost, "10.0.0.9\n").ok);
+    EXPECT_EQ(end(*forValue).status, 0);
+    const Result late = run({"wait", kHost + "=10.0.0.8", "--timeout", "0.2"});
+    EXPECT_EQ(late.status, 1);
+    EXPECT_EQ(late.errors, "trctl: " + kHost + " has the value \"10.0.0.9\\n\" after 0.2 s\n");
 }
 
 TEST_F(TrctlTest, WaitExits3WithoutADaemonOrABus) {
@@ -185,6 +191,7 @@ TEST_F(TrctlTest, WaitExits3WithoutADaemonOrABus) {
     const Result noDaemon = run({"wait", "--timeout", "0.2"});
     EXPECT_EQ(noDaemon.status, 3);
     EXPECT_TRUE(has(noDaemon.errors, "Start kelm-trd")) << noDaemon.errors;
+    EXPECT_EQ(run({"wait", kHost + "=x", "--timeout", "0.2"}).status, 3);
     const auto trctl = begin({"wait", "--timeout", "1000"});
     // The bus itself, this test and trctl.
     TrClient names(bus().address(), "org.freedesktop.DBus");
@@ -196,12 +203,24 @@ TEST_F(TrctlTest, WaitExits3WithoutADaemonOrABus) {
     EXPECT_EQ(end(*trctl).status, 3);
 }
 
-TEST_F(TrctlTest, InfoShowsTheSettings) {
+TEST_F(TrctlTest, InfoShowsWhatIsKnown) {
     start();
     EXPECT_EQ(run({"info", "Device.DeviceInfo.Manufacturer"}).output,
               "address        Device.DeviceInfo.Manufacturer\nkind           parameter\n"
-              "value          KELM\nwritable       no\nforced inform  yes\n");
+              "type           string\nvalue          KELM\nwritable       no\n"
+              "forced inform  yes\nsource         constant\nmeaning        maker\n"
+              "watched        unknown\n");
     EXPECT_TRUE(has(run({"info", kHost}).output, "writable       yes\n"));
+    watch({kUpTime});
+    EXPECT_TRUE(has(run({"info", kUpTime}).output, "\nwatched        yes\n")) << printed();
+    EXPECT_TRUE(has(run({"info", kHost}).output, "\nwatched        no\n")) << printed();
+    EXPECT_TRUE(has(run({"info", "--json", kUpTime}).output, R"("unit": "seconds")"));
+    EXPECT_TRUE(has(printed(), "\"watched\": true }\n")) << printed();
+    Words every = listed();
+    const auto count = static_cast<std::ptrdiff_t>(every.size());
+    every.insert(every.begin(), {"info", "--json"});
+    EXPECT_EQ(linesOf(run(every).output), count);
+    EXPECT_FALSE(has(printed(), R"("meaning": null)")) << "an address without a description";
 }
 
 TEST_F(TrctlTest, DiffFindsTheSettingThatChanged) {
@@ -275,8 +294,52 @@ TEST_F(TrctlTest, WatchPrintsChangesUntilItIsInterrupted) {
     const Result result = end(*trctl);
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.errors, "");
-    EXPECT_EQ(result.output.substr(8, kHost.size() + 3), " " + kHost + ": ");
+    constexpr std::size_t kDateLine = sizeof "2026-11-22";
+    EXPECT_EQ(result.output.find('\n'), kDateLine - 1) << result.output;
+    EXPECT_EQ(result.output.substr(kDateLine + 8, kHost.size() + 3), " " + kHost + ": ");
     EXPECT_TRUE(has(result.output, " -> 10.0.0.")) << result.output;
+}
+
+TEST_F(TrctlTest, WatchEndsByItselfAfterChanges) {
+    start();
+    int value = 0;
+    // What is set, again and again until the program has seen enough.
+    const auto watched = [&](const Words& options) {
+        Words words = {"watch", "--interval", "0.1", kHost, kUpTime};
+        words.insert(words.end(), options.begin(), options.end());
+        const auto trctl = begin(words);
+        EXPECT_TRUE(box::waitUntil([&] {
+            client().set(kHost, std::to_string(++value));
+            return !trctl->isRunning();
+        }));
+        return end(*trctl);
+    };
+    const Result counted = watched({"--no-clocks", "--count", "3"});
+    EXPECT_EQ(counted.status, 0) << counted.errors;
+    EXPECT_EQ(linesOf(counted.output), 4) << counted.output;
+    EXPECT_FALSE(has(counted.output, kUpTime)) << counted.output;
+    const Result once = watched({"--except", kUpTime, "--once", "--json"});
+    EXPECT_EQ(once.status, 0) << once.errors;
+    EXPECT_EQ(linesOf(once.output), 1) << once.output;
+    EXPECT_TRUE(has(once.output, R"("address": ")" + kHost + R"(", "before": ")")) << once.output;
+    EXPECT_EQ(run({"watch", "--once", "--count", "2"}).status, 2);
+    EXPECT_EQ(run({"watch", "--no-clocks", kUpTime}).status, 1);
+}
+
+TEST_F(TrctlTest, WatchShowsHowFastCountersGrow) {
+    start();
+    const auto trctl = begin({"watch", "--interval", "0.5", "--rate", "Device.IP."});
+    const auto sendPacket = [] {
+        Child shell({"/usr/host/bin/bash", "-c", "echo >/dev/udp/239.255.0.1/1234"}, "/tmp/sent");
+        shell.waitForEnd();
+    };
+    ASSERT_TRUE(box::waitUntil([&] {
+        sendPacket();
+        return has(printed(), "/s)\n");
+    })) << printed();
+    EXPECT_FALSE(has(printed(), "-> 0 (")) << printed();
+    trctl->send(SIGINT);
+    EXPECT_EQ(end(*trctl).status, 0);
 }
 
 TEST_F(TrctlTest, AnInterruptEndsWatchAlsoWhileTheDaemonHangs) {

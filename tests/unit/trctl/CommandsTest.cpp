@@ -180,6 +180,39 @@ TEST_F(CommandsTest, WaitHasATimeLimit) {
     EXPECT_EQ(errors_, "trctl: the first cycle is not over after 0 s\n");
 }
 
+TEST_F(CommandsTest, WaitEndsWhenTheParameterHasTheValue) {
+    int looks = 0;
+    daemon_.onValue = [&] {
+        if (++looks == 1) throw client::NoDaemon("there is no kelm-trd", "");
+        if (looks == 3) daemon_.entries["D.A.Mode"].value = "of=f\n";
+    };
+    EXPECT_EQ(run("wait", {"D.A.Mode=of=f"}), kDone);
+    EXPECT_EQ(looks, 3);
+    EXPECT_EQ(output_ + errors_, "");
+}
+
+TEST_F(CommandsTest, WaitForAValueHasATimeLimit) {
+    options_.timeoutSeconds = 0;
+    EXPECT_EQ(run("wait", {"D.A.Mode=aut"}), kRefused);
+    EXPECT_EQ(errors_, "trctl: D.A.Mode has the value \"auto\" after 0 s\n");
+    EXPECT_EQ(run("wait", {"D.Nope="}), kRefused);
+    EXPECT_EQ(errors_, "trctl: there is no D.Nope after 0 s\n");
+    EXPECT_EQ(daemon_.entries.count("D.Nope"), 0U);
+    daemon_.onValue = [] { throw client::NoDaemon("there is no kelm-trd", ""); };
+    EXPECT_THROW(run("wait", {"D.Nope="}), client::NoDaemon);
+    testing::internal::GetCapturedStdout();
+    testing::internal::GetCapturedStderr();
+}
+
+TEST_F(CommandsTest, WaitForTheEmptyTextNeedsTheParameter) {
+    int looks = 0;
+    daemon_.onList = [&] {
+        if (++looks == 2) daemon_.entries["D.Void"] = {""};
+    };
+    EXPECT_EQ(run("wait", {"D.Void="}), kDone);
+    EXPECT_EQ(looks, 2);
+}
+
 TEST_F(CommandsTest, TreeShowsEmptyObjectsAndWhatAPatternLeaves) {
     EXPECT_EQ(run("tree"), kDone);
     EXPECT_NE(output_.find("Empty.\n"), std::string::npos);
@@ -212,10 +245,94 @@ TEST_F(CommandsTest, ATreeHasTheLevelsThatAreAskedFor) {
 TEST_F(CommandsTest, InfoPrintsTheSettings) {
     EXPECT_EQ(run("info", {"D.A.Mode", "D.Empty."}), kDone);
     EXPECT_EQ(output_,
-              "address        D.A.Mode\nkind           parameter\nvalue          auto\n"
-              "writable       yes\nforced inform  no\n\n"
+              "address        D.A.Mode\nkind           parameter\ntype           string\n"
+              "value          auto\nwritable       yes\nforced inform  no\n"
+              "source         unknown\nmeaning        unknown\nwatched        unknown\n\n"
               "address        D.Empty.\nkind           object\n"
-              "writable       no\nforced inform  no\n");
+              "writable       no\nforced inform  no\nmeaning        unknown\n");
+}
+
+TEST_F(CommandsTest, InfoPrintsWhatTheDocumentOfTheParametersStates) {
+    daemon_.entries = {{"Device.DeviceInfo.UpTime", {"12"}}, {"Device.IP.", {}}};
+    EXPECT_EQ(run("info", {"Device.DeviceInfo.UpTime", "Device.IP."}), kDone);
+    EXPECT_NE(output_.find("type           integer\nvalue          12\n"), std::string::npos);
+    EXPECT_NE(output_.find("source         file /proc/uptime\nunit           seconds\n"
+                           "meaning        since the box booted\n"),
+              std::string::npos)
+        << output_;
+    EXPECT_NE(output_.find("forced inform  no\nmeaning        the network layer\n"),
+              std::string::npos)
+        << output_;
+}
+
+TEST_F(CommandsTest, InfoAsJsonIsAnObjectALine) {
+    options_.json = true;
+    daemon_.entries = {{"D.Name", {"\x1b\"", true}},
+                       {"Device.DeviceInfo.UpTime", {"12", false, true}},
+                       {"Device.IP.", {}}};
+    EXPECT_EQ(run("info", {"D.Name", "Device.DeviceInfo.UpTime", "Device.IP."}), kDone);
+    EXPECT_EQ(output_,
+              R"({ "address": "D.Name", "kind": "parameter", "type": "string", )"
+              R"("value": "\u001b\"", "writable": true, "forcedInform": false, "source": null, )"
+              R"("unit": null, "meaning": null, "watched": null })"
+              "\n"
+              R"({ "address": "Device.DeviceInfo.UpTime", "kind": "parameter", )"
+              R"("type": "integer", "value": "12", "writable": false, "forcedInform": true, )"
+              R"("source": "file /proc/uptime", "unit": "seconds", )"
+              R"("meaning": "since the box booted", "watched": null })"
+              "\n"
+              R"({ "address": "Device.IP.", "kind": "object", "type": "object", "value": null, )"
+              R"("writable": false, "forcedInform": false, "source": "", "unit": "", )"
+              R"("meaning": "the network layer", "watched": false })"
+              "\n");
+}
+
+TEST_F(CommandsTest, WatchLeavesOutWhatIsExcepted) {
+    options_.intervalSeconds = 0.001;
+    options_.count = 2;
+    options_.except = {"D.A.", "D.Nope"};
+    daemon_.entries["D.UpTime"] = {"1"};
+    daemon_.entries["D.Up"] = {"1"};
+    daemon_.onList = [this] {
+        for (auto& [address, entry] : daemon_.entries) entry.value += "1";
+    };
+    EXPECT_EQ(run("watch"), kDone);
+    EXPECT_NE(output_.find(" D.Name: "), std::string::npos) << output_;
+    EXPECT_NE(output_.find(" D.Up: "), std::string::npos) << output_;
+    EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3) << "the date and two changes";
+    options_.noClocks = true;
+    options_.count = 5;
+    EXPECT_EQ(run("watch"), kDone);
+    EXPECT_EQ(output_.find("D.A."), std::string::npos) << output_;
+    EXPECT_EQ(output_.find("UpTime"), std::string::npos) << output_;
+}
+
+TEST_F(CommandsTest, NoClocksHidesWhatOnlyCountsTime) {
+    options_.intervalSeconds = 0.001;
+    options_.once = true;
+    options_.noClocks = true;
+    daemon_.entries.clear();
+    for (const char* name : {"UpTime", "I.LastChange", "T.ResetTime", "ReportEndTime", "UpTimes"})
+        daemon_.entries[name] = {"1"};
+    daemon_.onList = [this] {
+        for (auto& [address, entry] : daemon_.entries) entry.value += "1";
+    };
+    EXPECT_EQ(run("watch"), kDone);
+    EXPECT_NE(output_.find(" ReportEndTime: "), std::string::npos);
+    EXPECT_NE(output_.find(" UpTimes: "), std::string::npos);
+    EXPECT_EQ(std::count(output_.begin(), output_.end(), '\n'), 3) << output_;
+}
+
+TEST_F(CommandsTest, WatchRefusesWhatLeavesItNothingToDo) {
+    options_.except = {"D."};
+    EXPECT_EQ(run("watch"), kRefused);
+    EXPECT_EQ(errors_, "trctl: --except and --no-clocks leave nothing to watch\n");
+    options_.except = {};
+    options_.rate = true;
+    EXPECT_EQ(run("watch"), kRefused);
+    EXPECT_EQ(errors_,
+              "trctl: --rate needs a counter: a parameter of an object whose name ends with "
+              "Stats\n");
 }
 
 TEST_F(CommandsTest, ChangesMarksLinesThatTheClientWouldDrop) {

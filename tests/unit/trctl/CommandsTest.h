@@ -35,6 +35,7 @@ class FakeDaemon : public client::Daemon {
     }
     std::string value(const std::string& address) override {
         ++calls;
+        if (onValue) onValue();
         if (refused.count(address) != 0) throw client::Refused("too large");
         const auto entry = entries.find(address);
         return entry == entries.end() ? "" : entry->second.value;
@@ -62,6 +63,7 @@ class FakeDaemon : public client::Daemon {
     std::function<void(Entry&, const std::string&)> onSet =
         [](Entry& entry, const std::string& value) { entry.value = value; };
     std::function<void()> onList;
+    std::function<void()> onValue;
     std::string pending;
     std::size_t calls = 0;
 };

@@ -58,8 +58,16 @@ TEST(OptionsTest, AWrongCallIsReportedAndExits2) {
                                {"changes", "a"},
                                {"watch", "--interval", "0"},
                                {"watch", "--interval", "x"},
+                               {"watch", "--count", "0"},
+                               {"watch", "--count", "2.5"},
+                               {"watch", "--except"},
                                {"wait", "--timeout", "-1"},
                                {"wait", "a"},
+                               {"wait", "=a"},
+                               {"wait", ""},
+                               {"wait", "D.=a"},
+                               {"wait", "D.*=a"},
+                               {"wait", "D.A=a", "D.B=b"},
                                {"--color", "blue", "list"},
                                {"watch", "--interval", "nan"},
                                {"--timeout", "0", "list"},
@@ -185,6 +193,49 @@ TEST(OptionsTest, ADashAsTheValueReadsStandardInputInAnAssignmentItIsADash) {
 TEST(OptionsTest, ADashAndAZeroIsAValueOfSetAndAnOptionOfGet) {
     EXPECT_EQ(shown(parse({"set", "a", "-0"})), "a|-0\n");
     EXPECT_TRUE(parse({"get", "a", "--value", "-0"}).options->endWithNul);
+}
+
+TEST(OptionsTest, OptionsOfWatchThatMakeNoSenseTogetherAreRefusedWithASentence) {
+    struct Row {
+        Words options;
+        const char* sentence;
+    };
+    const char* const plot = "--plot draws one parameter until Ctrl-C; only --interval and --ascii";
+    for (const Row& row :
+         {Row{{"--plot", "--json"}, plot},
+          {{"--plot", "--rate"}, plot},
+          {{"--plot", "--once"}, plot},
+          {{"--plot", "--count", "3"}, plot},
+          {{"--plot", "--no-clocks"}, plot},
+          {{"--plot", "--except", "a"}, plot},
+          {{"--ascii"}, "--ascii is for --plot"},
+          {{"--once", "--count", "3"}, "give one of them"},
+          {{"--once", "--rate"}, "--rate with --once needs an --interval of 5 or more"}}) {
+        Words words = {"watch", "a"};
+        words.insert(words.end(), row.options.begin(), row.options.end());
+        const Parsed parsed = parse(words);
+        EXPECT_FALSE(parsed.options.has_value());
+        EXPECT_EQ(parsed.status, kUsage);
+        EXPECT_NE(parsed.errors.find(row.sentence), std::string::npos) << parsed.errors;
+    }
+    EXPECT_TRUE(parse({"watch", "--once", "--rate", "--interval", "5"}).options.has_value());
+    EXPECT_TRUE(parse({"watch", "--plot", "--ascii", "--interval", "5", "a"}).options.has_value());
+}
+
+TEST(OptionsTest, ExceptTakesOnePathEachTime) {
+    const Parsed parsed = parse({"watch", "--except", "a", "b", "--except=c", "d"});
+    ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
+    EXPECT_EQ(parsed.options->except, (Words{"a", "c"}));
+    EXPECT_EQ(parsed.options->paths, (Words{"b", "d"}));
+}
+
+TEST(OptionsTest, WaitTakesAParameterAndAValueThatMayBeEmpty) {
+    const Parsed parsed = parse({"wait", "D.A=b=c", "--timeout", "2"});
+    ASSERT_TRUE(parsed.options.has_value()) << parsed.errors;
+    EXPECT_EQ(parsed.options->paths, Words{"D.A=b=c"});
+    EXPECT_EQ(parsed.options->timeoutSeconds, 2);
+    EXPECT_EQ(parse({"wait", "D.A="}).options->paths, Words{"D.A="});
+    EXPECT_TRUE(parse({"wait"}).options->paths.empty());
 }
 
 TEST(OptionsTest, CommonOptionsMayComeAfterTheCommand) {

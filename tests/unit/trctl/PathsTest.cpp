@@ -90,4 +90,10 @@ TEST(PathsTest, TheNextLevelHasObjectsWithTheirPointEachOnce) {
     EXPECT_TRUE(nextLevel(kListed, {"Device.A"}).empty());
 }
 
+TEST(PathsTest, WithoutLeavesOutWhatThePathsName) {
+    const Addresses all = {"D.A.B", "D.A.C", "D.E", "D.F"};
+    EXPECT_EQ(without(all, {}), all);
+    EXPECT_EQ(without(all, {"D.A.", "D.F", "D.Nope"}), Addresses{"D.E"});
+}
+
 }  // namespace
