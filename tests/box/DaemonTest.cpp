@@ -2,6 +2,21 @@
 
 #include "tests/support/Talker.h"
 
+#include <csignal>
+#include <filesystem>
+
+namespace {
+
+// The signal stops one thread after the other.
+bool isStopped(pid_t pid) {
+    const std::filesystem::path tasks = "/proc/" + std::to_string(pid) + "/task";
+    for (const auto& task : std::filesystem::directory_iterator(tasks))
+        if (box::readFile(task.path() / "stat").find(") T ") == std::string::npos) return false;
+    return true;
+}
+
+}  // namespace
+
 void DaemonTest::startBus(const std::string& limits) {
     bus_ = std::make_unique<PrivateBus>(limits);
 }
@@ -40,6 +55,11 @@ bool DaemonTest::logHas(const std::string& text) const {
 void DaemonTest::watch(const std::vector<std::string>& parameters) {
     box::writeNotificationFile(parameters);
     ASSERT_TRUE(client().updateNotifTable().ok);
+}
+
+void DaemonTest::hang() {
+    daemon_->send(SIGSTOP);
+    ASSERT_TRUE(box::waitUntil([this] { return isStopped(daemon_->pid()); }));
 }
 
 void DaemonTest::expectEnd(const ExitStatus& status) {

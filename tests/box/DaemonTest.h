@@ -39,6 +39,8 @@ class DaemonTest : public ::testing::Test {
         return box::notificationRow(parameter, value);
     }
 
+    /// Stops every thread of the daemon, until it gets SIGCONT.
+    void hang();
     /// The daemon has stopped in order, with this status.
     void expectEnd(const ExitStatus& status);
     void expectAnswers();

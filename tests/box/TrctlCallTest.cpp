@@ -94,7 +94,7 @@ TEST_F(TrctlCallTest, ItStartsNoBus) {
 TEST_F(TrctlCallTest, ACallThatTakesTooLongExits3) {
     start();
     EXPECT_EQ(run({"--timeout", "20", "get", kUpTime}).status, 0);
-    daemon().send(SIGSTOP);
+    hang();
     const Result call = run({"get", kUpTime, "--timeout", "0.2"});
     EXPECT_EQ(call.status, 3);
     EXPECT_TRUE(has(call.errors, "does not answer")) << call.errors;

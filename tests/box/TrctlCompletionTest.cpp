@@ -90,7 +90,7 @@ TEST_F(TrctlCompletionTest, AnOpenQuoteLeadsToWhereTheNamesDiffer) {
 }
 
 TEST_F(TrctlCompletionTest, ADaemonThatHangsDelaysAKeyForAMomentOnly) {
-    daemon().send(SIGSTOP);
+    hang();
     EXPECT_EQ(offered("trctl get Device."), "");
     EXPECT_EQ(offered("trctl ge"), "get\n");
     daemon().send(SIGCONT);
