@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <string>
 
 namespace {
@@ -359,8 +358,7 @@ TEST_F(CommandsTest, ChangesEscapesTheControlCharactersOfAGoodLine) {
 
 TEST_F(CommandsTest, DiffComparesThePartThatWasSaved) {
     const auto diff = [this](const std::string& json, const Addresses& paths = {}) {
-        options_.file = testing::TempDir() + "trctl-diff.json";
-        std::ofstream(options_.file) << json;
+        save(json);
         daemon_.calls = 0;
         return run("diff", paths);
     };
@@ -378,8 +376,7 @@ TEST_F(CommandsTest, DiffComparesThePartThatWasSaved) {
 }
 
 TEST_F(CommandsTest, AValueThatTheDaemonRefusesDoesNotHideTheRestOfADiff) {
-    options_.file = testing::TempDir() + "trctl-diff.json";
-    std::ofstream(options_.file) << R"({"D.A.Mode": "x", "D.A.Rate": "6"})";
+    save(R"({"D.A.Mode": "x", "D.A.Rate": "6"})");
     daemon_.refused["D.A.Mode"] = true;
     EXPECT_EQ(run("diff"), kRefused);
     EXPECT_EQ(output_, "- D.A.Rate = 6\n+ D.A.Rate = 5\n");

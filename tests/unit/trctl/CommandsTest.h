@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
+
+#include <unistd.h>
 
 namespace trctl {
 
@@ -93,6 +96,15 @@ class CommandsTest : public ::testing::Test {
         options_.assignments = {{parameter, value}};
         return run("set");
     }
+    /// The file of diff and restore; its name is this process's, since tests run side by side.
+    void save(const std::string& json) {
+        saved_ = testing::TempDir() + "trctl-" + std::to_string(getpid()) + ".json";
+        options_.file = saved_;
+        std::ofstream(options_.file) << json;
+    }
+    ~CommandsTest() override {
+        if (!saved_.empty()) unlink(saved_.c_str());
+    }
     /// As many parameters as a large box has, beneath B.
     void fill() {
         for (int i = 0; i < 10'000; ++i)
@@ -103,6 +115,9 @@ class CommandsTest : public ::testing::Test {
     Options options_;
     std::string output_;
     std::string errors_;
+
+  private:
+    std::string saved_;
 };
 
 }  // namespace trctl

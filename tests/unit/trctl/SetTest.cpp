@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -28,8 +27,7 @@ class SetTest : public CommandsTest {
         return run("set");
     }
     int restore(const std::string& json, const Addresses& paths = {}) {
-        options_.file = testing::TempDir() + "trctl-saved.json";
-        std::ofstream(options_.file) << json;
+        save(json);
         return run("restore", paths);
     }
 
@@ -150,7 +148,7 @@ TEST_F(SetTest, RestoreSkipsAValueThatCannotBeRead) {
 TEST_F(SetTest, RestoreExits2ForAFileThatItCannotUse) {
     for (const char* text : {"", "[]", "{\"D.B\": 1}", "{\"D.B\": \"1\"} x"}) {
         EXPECT_EQ(restore(text), kUsage) << text;
-        EXPECT_NE(errors_.find("trctl-saved.json: "), std::string::npos) << errors_;
+        EXPECT_NE(errors_.find(options_.file + ": "), std::string::npos) << errors_;
     }
     options_.file = "/nope";
     EXPECT_EQ(run("restore"), kUsage);
