@@ -1,7 +1,7 @@
 // The virtual box itself: what is in it, how it ends, what its stand-ins print. These tests run on
 // the host and start boxes; where none can be made they are skipped with the box's own reason.
 
-#include "tests/box/HostBoxTest.h"
+#include "tests/support/HostBoxTest.h"
 #include "tests/support/Box.h"
 #include "tests/support/Child.h"
 #include "tests/support/TrClient.h"
@@ -245,7 +245,7 @@ TEST_F(BoxFaultTest, PipesAndCommandsEndSeparately) {
 }
 
 TEST_F(BoxTest, AForeignTestProgramRunsThroughItsEmulator) {
-    EXPECT_EQ(run({KELM_BOX_FOLDER "/test-in-box", "echo", "emulator", "--", "/bin/program", "-a"})
+    EXPECT_EQ(run({kTestInBox, "echo", "emulator", "--", "/bin/program", "-a"})
                   .output,
               "emulator /bin/program -a\n");
 }
@@ -318,19 +318,19 @@ TEST_F(BoxRefusalTest, PrintsTheKernelsReason) {
 }
 
 TEST_F(BoxRefusalTest, ATestIsReportedAsSkipped) {
-    const auto result = run({KELM_BOX_FOLDER "/test-in-box", "/bin/true"}, pathWith(""));
+    const auto result = run({kTestInBox, "/bin/true"}, pathWith(""));
     EXPECT_EQ(result.end, ExitStatus{});
     EXPECT_EQ(result.output, "[  SKIPPED ] the virtual box: bwrap is not installed\n");
 }
 
 TEST_F(BoxRefusalTest, ListingTestsNeedsNoBox) {
     const auto result =
-        run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "--gtest_list_tests"}, pathWith(""));
+        run({kTestInBox, "/bin/echo", "--gtest_list_tests"}, pathWith(""));
     EXPECT_EQ(result.output, "--gtest_list_tests\n");
 }
 
 TEST_F(BoxRefusalTest, AnEmulatorListsAForeignProgramsTests) {
-    const auto result = run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "emulator", "--",
+    const auto result = run({kTestInBox, "/bin/echo", "emulator", "--",
                              "/bin/program", "--gtest_list_tests"},
                             pathWith(""));
     EXPECT_EQ(result.output, "emulator /bin/program --gtest_list_tests\n");

@@ -2,7 +2,7 @@
 // no archive escapes from it.
 
 #include "tests/box/SnapshotTest.h"
-#include "tests/box/TreeListing.h"
+#include "tests/support/TreeListing.h"
 #include "tests/support/Box.h"
 
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/box/HostBoxTest.h"
+#include "tests/support/HostBoxTest.h"
 
 #include <string>
 #include <vector>
