@@ -15,7 +15,6 @@
 #include <iterator>
 #include <memory>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>

@@ -3,8 +3,8 @@
 #include "tests/box/SnapshotTest.h"
 #include "tests/support/Box.h"
 
-#include <filesystem>
-#include <fstream>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,4 +1,4 @@
-// Interrupts with a bus that is there and does not answer, at each step of the daemon's way to it.
+// Interrupts with a bus that is there and does not answer, at each step of the way to it.
 
 #include "tests/box/DaemonTest.h"
 #include "tests/support/Faults.h"
@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -105,7 +106,8 @@ std::vector<Row> rows() {
         {"Hello", silentFrom("Hello")},
         {"TheNamesRequest", silentFrom("RequestName")},
         {"TheOwnersQuery", silentFrom("GetNameOwner")},
-        {"Nothing", [](PrivateBus&) { return nullptr; }},
+        // To compare: the same stop with a bus that answers.
+        {"ABusThatAnswers", [](PrivateBus&) { return nullptr; }},
     };
 }
 

@@ -143,7 +143,7 @@ TEST_F(StartAndStopTest, AStormOfStopsEndsEveryStartAndLeavesNoProcess) {
     EXPECT_TRUE(box::waitUntil([=] { return processCount() <= processes; }));
 }
 
-TEST_F(StartAndStopTest, WithoutABusTheReasonIsLoggedAndTheDaemonGoesOn) {
+TEST_F(StartAndStopTest, WithoutABusTheReasonIsLogged) {
     const std::pair<const char*, const char*> rows[] = {
         {"unix:path=/no/such/bus", "/no/such/bus"},
         {"nonsense", "Address does not contain a colon"},

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <functional>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -64,17 +65,12 @@ std::function<void()> with(const char* variable, std::string value) {
 
 // All but the bus and what a sanitizer or a count of coverage has to know.
 void emptyEnvironment() {
-    std::vector<std::string> kept;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string text = *entry;
-        const std::string name = text.substr(0, text.find('='));
-        if (name.find("_OPTIONS") != std::string::npos || name == "DBUS_SESSION_BUS_ADDRESS" ||
-            name == "KELM_COUNTS_FOLDER")
-            kept.push_back(text);
-    }
-    clearenv();
-    for (const std::string& text : kept)
-        setenv(text.substr(0, text.find('=')).c_str(), text.substr(text.find('=') + 1).c_str(), 1);
+    const std::regex needed("^(\\w*_OPTIONS|DBUS_SESSION_BUS_ADDRESS|KELM_COUNTS_FOLDER)=");
+    static std::vector<char*> kept;
+    for (char** entry = environ; *entry != nullptr; ++entry)
+        if (std::regex_search(*entry, needed)) kept.push_back(*entry);
+    kept.push_back(nullptr);
+    environ = kept.data();
 }
 
 void removedFolder() {
