@@ -28,7 +28,8 @@ Fault all(std::vector<Fault> parts);
 
 /// A stand-in that misbehaves as box::setFault describes.
 Fault command(const std::string& name, const std::string& fault);
-/// Kills the commands that hang, again and again after such a pause.
+/// Kills the commands that hang, again and again after such a pause. Has to outlive the faults that
+/// make them hang.
 Fault watchdog(std::chrono::milliseconds pause);
 Fault withoutFile(const std::string& path);
 
