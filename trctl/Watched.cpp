@@ -1,10 +1,13 @@
 #include "trctl/Watched.h"
 
 #include "client/Json.h"
+#include "stb/src/common/Files.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include <unistd.h>
 
 namespace trctl {
 
@@ -15,16 +18,10 @@ constexpr char kNotificationFile[] = "/tmp/.easycwmp_notif_param_value";
 }  // namespace
 
 Watched::Watched() {
-    std::FILE* const file = std::fopen(kNotificationFile, "re");
-    if (file == nullptr) return;
-    isKnown_ = true;
-    char* line = nullptr;
-    std::size_t size = 0;
-    for (ssize_t length = 0; (length = getline(&line, &size, file)) > 0;)
-        add(std::string(line, static_cast<std::size_t>(length)));
-    if (std::ferror(file) != 0) isKnown_ = false;
-    std::free(line);
-    std::fclose(file);
+    std::error_code error;
+    isKnown_ = std::filesystem::is_regular_file(kNotificationFile, error) &&
+               access(kNotificationFile, R_OK) == 0;
+    for (const std::string& row : TR::Utils::getFileContents(kNotificationFile)) add(row);
 }
 
 Watched::Watched(const std::vector<std::string>& rows) : isKnown_(true) {

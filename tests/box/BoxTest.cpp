@@ -1,9 +1,9 @@
 // The virtual box itself: what is in it, how it ends, what its stand-ins print. These tests run on
 // the host and start boxes; where none can be made they are skipped with the box's own reason.
 
-#include "tests/box/HostBoxTest.h"
 #include "tests/support/Box.h"
 #include "tests/support/Child.h"
+#include "tests/support/HostBoxTest.h"
 #include "tests/support/TrClient.h"
 
 #include <gtest/gtest.h>
@@ -37,6 +37,24 @@ class BoxTest : public HostBoxTest {
     // A word that no other process on the machine has in its command line.
     std::string marker() const { return "marker=" + folder(); }
 
+    // Reports on this file descriptor's file when it has booted.
+    std::vector<std::string> reportingBox(const std::string& options, const std::string& script) {
+        return withoutTerminal({"sh", "-c",
+                                "exec \"$0\" " + options + " --info-fd 7 -- sh -c \"$2\" 7>\"$1\"",
+                                kBox, folder() + "/news", script});
+    }
+    // The bus's address; waits for the report. Nothing when there is none.
+    std::string reportedBus() const {
+        std::smatch found;
+        std::string news;
+        const std::regex bus("bus=(.*)\n");
+        box::waitUntil([&] {
+            news = box::readFile(folder() + "/news");
+            return std::regex_search(news, found, bus);
+        });
+        return found[1];
+    }
+
     // A box that runs until somebody ends it; a shell heeds SIGINT at once only in `wait`.
     std::vector<std::string> endlessBox(const std::string& options = "--bus") const {
         const std::string command = "sleep 1000 & wait; true " + marker();
@@ -50,24 +68,6 @@ class BoxTest : public HostBoxTest {
 
 class BoxEndTest : public BoxTest, public ::testing::WithParamInterface<int> {};
 class BoxFaultTest : public BoxTest {};
-class BoxRefusalTest : public BoxTest {
-  protected:
-    // These need no box.
-    void SetUp() override {}
-
-    // A PATH with everything that the script needs, and bwrap as the test wants it.
-    Child::Environment pathWith(const std::string& bwrap) {
-        for (const char* tool : {"bash", "dirname", "env", "busybox", "ip", "setpriv", "realpath",
-                                 "readlink", "sh", "cat"})
-            fs::create_symlink(fs::path("/usr/bin") / tool, fs::path(folder()) / tool);
-        if (!bwrap.empty()) {
-            const fs::path program = fs::path(folder()) / "bwrap";
-            std::ofstream(program) << "#!/bin/sh\n" << bwrap << '\n';
-            fs::permissions(program, fs::perms::owner_all);
-        }
-        return {{"PATH", folder()}};
-    }
-};
 
 TEST_F(BoxTest, PassesTheExitStatusOn) {
     EXPECT_EQ(run({kBox, "--", "sh", "-c", "exit 5"}).end.code, 5);
@@ -127,49 +127,36 @@ TEST_F(BoxTest, LetsInOnlyTheEnvironmentThatItNames) {
 }
 
 TEST_F(BoxTest, ItsBusCanBeReachedFromTheHost) {
-    const std::string news = folder() + "/news";
-    Child box(withoutTerminal(
-                  {"sh", "-c", R"(exec "$0" --bus --info-fd 7 -- sleep 1000 7>"$1")", kBox, news}),
-              folder() + "/output");
-    std::smatch found;
-    std::string told;
-    ASSERT_TRUE(box::waitUntil([&] {
-        told = box::readFile(news);
-        return std::regex_search(told, found, std::regex("bus=(.*)\n"));
-    }));
-    TrClient client(found[1], "org.freedesktop.DBus");
+    Child box(reportingBox("--bus", "sleep 1000"), folder() + "/output");
+    TrClient client(reportedBus(), "org.freedesktop.DBus");
     EXPECT_TRUE(client.connected()) << client.connectError().errorText;
     EXPECT_EQ(client.owner(), "org.freedesktop.DBus");
 }
 
 TEST_F(BoxTest, UciReadsAndStagesOptions) {
-    const std::string code = "easycwmp.@local[0].provisioning_code";
-    EXPECT_EQ(inBox("uci -q get " + code + "; echo $?"), "1");
-    EXPECT_EQ(
-        inBox("uci -q set " + code + "='a \"b\" \\c'; echo $?; uci -q get " + code + "; echo $?"),
-        "0\na \"b\" \\c\n0");
-    EXPECT_EQ(
-        inBox("uci set " + code + "=x; uci changes; uci commit; uci changes; uci get " + code),
-        code + "='x'\nx");
-    EXPECT_EQ(inBox("uci set " + code + "=x; uci set " + code + "=; uci get " + code + "; echo $?"),
+    const std::string given = "code='easycwmp.@local[0].provisioning_code'; ";
+    EXPECT_EQ(inBox(given + "uci -q get $code; echo $?"), "1");
+    EXPECT_EQ(inBox(given + R"(uci -q set $code='a "b" \c'; echo $?; uci -q get $code; echo $?)"),
+              "0\na \"b\" \\c\n0");
+    EXPECT_EQ(inBox(given + "uci set $code=x; uci changes; uci commit; uci changes; uci get $code"),
+              "easycwmp.@local[0].provisioning_code='x'\nx");
+    EXPECT_EQ(inBox(given + "uci set $code=x; uci set $code=; uci get $code; echo $?"),
               "uci: Entry not found\n1");
 }
 
 TEST_F(BoxTest, UciKeepsSectionsAndLists) {
-    const std::string list = "easycwmp.@notifications[0].active";
-    EXPECT_EQ(
-        inBox("uci -q add_list " + list +
-              "=a; echo $?; uci add easycwmp notifications | wc -c; "
-              "uci add_list " +
-              list + "=a; uci add_list " + list + "=\"it's\"; uci changes; uci get " + list),
-        "1\n10\neasycwmp.@notifications[0]='notifications'\n" + list + "='a' 'it'\\''s'\na it's");
-    EXPECT_EQ(
-        inBox("uci add easycwmp notifications >/dev/null; uci add_list " + list +
-              "=a; uci add_list " + list + "=b; uci commit; uci del_list " + list +
-              "=a; uci show easycwmp | grep notif; uci revert easycwmp; "
-              "uci get " +
-              list + "; uci delete easycwmp.@notifications[0]; uci -q get " + list + "; echo $?"),
-        "easycwmp.@notifications[0]=notifications\n" + list + "='b'\na b\n1");
+    const std::string given = "list='easycwmp.@notifications[0].active'; ";
+    EXPECT_EQ(inBox(given + R"(uci -q add_list $list=a; echo $?
+                  uci add easycwmp notifications | wc -c; uci add_list $list=a
+                  uci add_list $list="it's"; uci changes; uci get $list)"),
+              "1\n10\neasycwmp.@notifications[0]='notifications'\n"
+              "easycwmp.@notifications[0].active='a' 'it'\\''s'\na it's");
+    EXPECT_EQ(inBox(given + R"(uci add easycwmp notifications >/dev/null; uci add_list $list=a
+                  uci add_list $list=b; uci commit; uci del_list $list=a
+                  uci show easycwmp | grep notif; uci revert easycwmp; uci get $list
+                  uci delete easycwmp.@notifications[0]; uci -q get $list; echo $?)"),
+              "easycwmp.@notifications[0]=notifications\n"
+              "easycwmp.@notifications[0].active='b'\na b\n1");
 }
 
 TEST_F(BoxTest, UciShowsAPackageWithItsQuotes) {
@@ -245,8 +232,7 @@ TEST_F(BoxFaultTest, PipesAndCommandsEndSeparately) {
 }
 
 TEST_F(BoxTest, AForeignTestProgramRunsThroughItsEmulator) {
-    EXPECT_EQ(run({KELM_BOX_FOLDER "/test-in-box", "echo", "emulator", "--", "/bin/program", "-a"})
-                  .output,
+    EXPECT_EQ(run({kTestInBox, "echo", "emulator", "--", "/bin/program", "-a"}).output,
               "emulator /bin/program -a\n");
 }
 
@@ -288,52 +274,56 @@ TEST_F(BoxTest, SigintReachesTheCommandOnce) {
         "trap 'count=x$count' INT; echo ready; "
         "for i in 1 2 3 4 5 6 7 8 9 10; do sleep 0.1; done; echo $count; exit 4";
     const std::string output = folder() + "/output";
-    const std::string news = folder() + "/news";
-    std::vector<std::string> command = withoutTerminal(
-        {"sh", "-c", R"(exec "$0" --info-fd 7 -- sh -c "$2" 7>"$1")", kBox, news, script});
+    std::vector<std::string> command = reportingBox("", script);
     command.insert(command.begin(), "setsid");
     Child box(command, output);
     // Until it has reported the command's process, a signal ends the boot instead of being passed
     // on.
-    ASSERT_TRUE(box::waitUntil([&] {
-        return box::readFile(output) == "ready\n" &&
-               box::readFile(news).find("bus=") != std::string::npos;
-    }));
+    reportedBus();
+    ASSERT_TRUE(box::waitUntil([&] { return box::readFile(output) == "ready\n"; }));
     kill(-box.pid(), SIGINT);
     EXPECT_EQ(box.waitForEnd(), (ExitStatus{4, 0}));
     EXPECT_EQ(box::readFile(output), "ready\nx\n");
 }
 
+// These need no box.
+class BoxRefusalTest : public HostBoxTest {
+  protected:
+    void SetUp() override {}
+
+    // With a PATH that has everything that the script needs, and bwrap as the test wants it.
+    void expectOutput(const std::vector<std::string>& command, const std::string& output,
+                      int status = 0, const std::string& bwrap = "") {
+        const fs::path tools = fs::path(folder()) / "tools";
+        fs::remove_all(tools);
+        fs::create_directory(tools);
+        for (const char* tool : {"bash", "dirname", "env", "busybox", "ip", "setpriv", "realpath",
+                                 "readlink", "sh", "cat"})
+            fs::create_symlink(fs::path("/usr/bin") / tool, tools / tool);
+        if (!bwrap.empty()) {
+            box::writeFile(tools / "bwrap", "#!/bin/sh\n" + bwrap + "\n");
+            fs::permissions(tools / "bwrap", fs::perms::owner_all);
+        }
+        const Result result = run(command, {{"PATH", tools}});
+        EXPECT_EQ(result.output, output);
+        EXPECT_EQ(result.end.code, status);
+    }
+};
+
 TEST_F(BoxRefusalTest, PrintsInOneLineWhyNoBoxCanBeMade) {
-    const auto result = run({kBox, "--", "true"}, pathWith(""));
-    EXPECT_EQ(result.end.code, kRefused);
-    EXPECT_EQ(result.output, "box: no virtual box here: bwrap is not installed\n");
+    expectOutput({kBox, "--", "true"}, "box: no virtual box here: bwrap is not installed\n",
+                 kRefused);
+    expectOutput({kBox, "--", "true"}, "box: no virtual box here: bwrap: No permissions\n",
+                 kRefused, "echo 'bwrap: No permissions' >&2; exit 1");
 }
 
-TEST_F(BoxRefusalTest, PrintsTheKernelsReason) {
-    const auto result =
-        run({kBox, "--", "true"}, pathWith("echo 'bwrap: No permissions' >&2; exit 1"));
-    EXPECT_EQ(result.end.code, kRefused);
-    EXPECT_EQ(result.output, "box: no virtual box here: bwrap: No permissions\n");
-}
-
-TEST_F(BoxRefusalTest, ATestIsReportedAsSkipped) {
-    const auto result = run({KELM_BOX_FOLDER "/test-in-box", "/bin/true"}, pathWith(""));
-    EXPECT_EQ(result.end, ExitStatus{});
-    EXPECT_EQ(result.output, "[  SKIPPED ] the virtual box: bwrap is not installed\n");
-}
-
-TEST_F(BoxRefusalTest, ListingTestsNeedsNoBox) {
-    const auto result =
-        run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "--gtest_list_tests"}, pathWith(""));
-    EXPECT_EQ(result.output, "--gtest_list_tests\n");
-}
-
-TEST_F(BoxRefusalTest, AnEmulatorListsAForeignProgramsTests) {
-    const auto result = run({KELM_BOX_FOLDER "/test-in-box", "/bin/echo", "emulator", "--",
-                             "/bin/program", "--gtest_list_tests"},
-                            pathWith(""));
-    EXPECT_EQ(result.output, "emulator /bin/program --gtest_list_tests\n");
+TEST_F(BoxRefusalTest, ATestIsReportedAsSkippedAndListedAllTheSame) {
+    const std::string list = "--gtest_list_tests";
+    expectOutput({kTestInBox, "/bin/true"},
+                 "[  SKIPPED ] the virtual box: bwrap is not installed\n");
+    expectOutput({kTestInBox, "/bin/echo", list}, "--gtest_list_tests\n");
+    expectOutput({kTestInBox, "/bin/echo", "emulator", "--", "/bin/program", list},
+                 "emulator /bin/program --gtest_list_tests\n");
 }
 
 TEST_F(BoxRefusalTest, AWrongCallIsNotARefusal) {

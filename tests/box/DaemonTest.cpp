@@ -2,8 +2,10 @@
 
 #include "tests/support/Talker.h"
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <iostream>
 
 namespace {
 
@@ -17,7 +19,16 @@ bool isStopped(pid_t pid) {
 
 }  // namespace
 
+DaemonTest::~DaemonTest() {
+    if (!HasFailure() || !daemon_) return;
+    constexpr std::size_t kEnough = 5000;  // a flooding command has printed ten megabytes
+    const std::string output = daemon_->output();
+    std::cout << (daemon_->isRunning() ? "The daemon runs" : "The daemon has ended") << "\n"
+              << output.substr(output.size() - std::min(output.size(), kEnough));
+}
+
 void DaemonTest::startBus(const std::string& limits) {
+    bus_.reset();  // it takes its address away
     bus_ = std::make_unique<PrivateBus>(limits);
 }
 
@@ -27,9 +38,10 @@ void DaemonTest::launch(const Child::Environment& environment,
                                       "/tmp/daemon-output", environment, prepare);
 }
 
-void DaemonTest::start(const std::string& limits) {
+void DaemonTest::start(const std::string& limits, const Child::Environment& environment,
+                       const std::function<void()>& prepare) {
     startBus(limits);
-    launch();
+    launch(environment, prepare);
     waitForFirstCycle();
 }
 
@@ -39,7 +51,8 @@ void DaemonTest::connect() {
 
 void DaemonTest::waitForFirstCycle() {
     connect();
-    ASSERT_TRUE(::waitForFirstCycle(client())) << daemon_->output();
+    client().setTimeout(deadline_);
+    ASSERT_TRUE(::waitForFirstCycle(client(), deadline_));
 }
 
 void DaemonTest::waitForCycles(std::size_t count) {
@@ -52,6 +65,10 @@ bool DaemonTest::logHas(const std::string& text) const {
     return daemon_->output().find(text) != std::string::npos;
 }
 
+bool DaemonTest::waitForLog(const std::string& text) const {
+    return box::waitUntil([&] { return logHas(text); });
+}
+
 void DaemonTest::watch(const std::vector<std::string>& parameters) {
     box::writeNotificationFile(parameters);
     ASSERT_TRUE(client().updateNotifTable().ok);
@@ -62,12 +79,26 @@ void DaemonTest::hang() {
     ASSERT_TRUE(box::waitUntil([this] { return isStopped(daemon_->pid()); }));
 }
 
+void DaemonTest::expectNoMoreThan(const Vitals& before) {
+    Vitals now;
+    const auto isAsBefore = [&] {
+        now = quietVitalsOf(daemon_->pid());
+        return now.holdsNoMoreThan(before);
+    };
+    EXPECT_TRUE(box::waitUntil(isAsBefore, deadline_)) << before << "; now: " << now;
+}
+
 void DaemonTest::expectEnd(const ExitStatus& status) {
-    const auto end = daemon_->waitForEnd();
-    ASSERT_TRUE(end.has_value()) << "still running\n" << daemon_->output();
-    EXPECT_EQ(*end, status) << daemon_->output();
+    const auto end = daemon_->waitForEnd(deadline_);
+    ASSERT_TRUE(end.has_value()) << "still running";
+    EXPECT_EQ(*end, status);
+}
+
+void DaemonTest::expectOrderlyStop() {
+    daemon_->send(SIGINT);
+    expectEnd({0, 0});
 }
 
 void DaemonTest::expectAnswers() {
-    EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM") << daemon_->output();
+    EXPECT_EQ(value("Device.DeviceInfo.Manufacturer"), "KELM");
 }

@@ -31,11 +31,6 @@ constexpr unsigned kDeepestVariant = 50;  // and 64 in a message
 
 }  // namespace
 
-void RandomMessages::Close::operator()(DBusConnection* connection) const {
-    dbus_connection_close(connection);
-    dbus_connection_unref(connection);
-}
-
 RandomMessages::RandomMessages(std::string busAddress, std::vector<std::string> readOnlyAddresses,
                                std::uint32_t seed)
     : busAddress_(std::move(busAddress)), readOnly_(std::move(readOnlyAddresses)), random_(seed) {}

@@ -3,7 +3,6 @@
 #include "tests/support/TrClient.h"
 
 #include <cstdint>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -23,14 +22,8 @@ class RandomMessages {
     void drain();
 
   private:
-    struct Close {
-        void operator()(DBusConnection* connection) const;
-    };
-    struct Unref {
-        void operator()(DBusMessage* message) const { dbus_message_unref(message); }
-    };
-    using Connection = std::unique_ptr<DBusConnection, Close>;
-    using Message = std::unique_ptr<DBusMessage, Unref>;
+    using Connection = TrClient::Connection;
+    using Message = TrClient::Message;
 
     bool oneIn(unsigned count) { return number(count) == 0; }
     unsigned number(unsigned below);

@@ -1,76 +1,34 @@
-// A bus that is there and does not answer, at each step of the daemon's way to it.
+// Interrupts with a bus that is there and does not answer, at each step of the way to it.
 
 #include "tests/box/DaemonTest.h"
+#include "tests/support/Faults.h"
 #include "tests/support/Repeating.h"
+#include "tests/support/UnixSocket.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <functional>
 #include <memory>
-#include <ostream>
-#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace {
 
 const std::string kSilentSocket = "/tmp/silent-bus";
 
-sockaddr_un addressOf(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    return address;
-}
-
-/// An owned socket, or -1.
-class Socket {
-  public:
-    explicit Socket(int descriptor) : descriptor_(descriptor) {}
-    ~Socket() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    Socket(const Socket&) = delete;
-    Socket& operator=(const Socket&) = delete;
-
-    int get() const { return descriptor_; }
-    static int connectedTo(const std::string& path, int flags = 0) {
-        const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0);
-        const sockaddr_un address = addressOf(path);
-        if (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
-            return descriptor;
-        close(descriptor);
-        return -1;
-    }
-    static int listeningAt(const std::string& path) {
-        const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        const sockaddr_un address = addressOf(path);
-        if (bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-            listen(descriptor, 1) != 0)
-            throw std::runtime_error("no socket to listen at");
-        return descriptor;
-    }
-
-  private:
-    const int descriptor_;
-};
-
-using Disturbance = std::shared_ptr<void>;
-
 /// Passes everything on between one client and the bus until the client sends the word, then
 /// nothing any more.
 class FallingSilent {
   public:
     FallingSilent(const std::string& bus, std::string word)
-        : bus_(Socket::connectedTo(bus)),
-          listening_(Socket::listeningAt(kSilentSocket)),
+        : bus_(UnixSocket::connectedTo(bus)),
+          listening_(UnixSocket::listeningAt(kSilentSocket)),
           word_(std::move(word)),
           passing_([this] { pass(); }) {}
 
@@ -78,7 +36,7 @@ class FallingSilent {
     void pass() {
         if (!client_) {
             if (!hasInput(listening_.get())) return;
-            client_ = std::make_unique<Socket>(accept4(listening_.get(), nullptr, nullptr, 0));
+            client_ = std::make_unique<UnixSocket>(accept4(listening_.get(), nullptr, nullptr, 0));
         }
         if (isSilent_) return;
         if (hasInput(bus_.get())) hand(bus_.get(), client_->get());
@@ -97,38 +55,34 @@ class FallingSilent {
         if (!isSilent_) send(to, piece, text.size(), MSG_NOSIGNAL);
     }
 
-    const Socket bus_;
-    const Socket listening_;
+    const UnixSocket bus_;
+    const UnixSocket listening_;
     const std::string word_;
-    std::unique_ptr<Socket> client_;
+    std::unique_ptr<UnixSocket> client_;
     bool isSilent_ = false;
     Repeating passing_;
 };
 
 /// Listens, and has as many connections waiting as it takes: connecting blocks.
 struct FullSocket {
-    Socket listening{Socket::listeningAt(kSilentSocket)};
-    std::vector<std::unique_ptr<Socket>> waiting;
+    UnixSocket listening{UnixSocket::listeningAt(kSilentSocket)};
+    std::vector<std::unique_ptr<UnixSocket>> waiting;
 
     FullSocket() {
         do
-            waiting.push_back(
-                std::make_unique<Socket>(Socket::connectedTo(kSilentSocket, SOCK_NONBLOCK)));
+            waiting.push_back(std::make_unique<UnixSocket>(
+                UnixSocket::connectedTo(kSilentSocket, SOCK_NONBLOCK)));
         while (waiting.back()->get() >= 0);
     }
 };
 
 struct Row {
     const char* name;
-    std::function<Disturbance(PrivateBus&)> silence;
+    std::function<Fault(PrivateBus&)> silence;
 };
 
-std::ostream& operator<<(std::ostream& stream, const Row& row) {
-    return stream << row.name;
-}
-
-std::function<Disturbance(PrivateBus&)> silentFrom(const char* word) {
-    return [word](PrivateBus& bus) -> Disturbance {
+std::function<Fault(PrivateBus&)> silentFrom(const char* word) {
+    return [word](PrivateBus& bus) -> Fault {
         const std::string path = bus.address().substr(std::string("unix:path=").size());
         auto silence = std::make_shared<FallingSilent>(path, word);
         setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + kSilentSocket).c_str(), 1);
@@ -139,12 +93,12 @@ std::function<Disturbance(PrivateBus&)> silentFrom(const char* word) {
 std::vector<Row> rows() {
     return {
         {"AStoppedBus",
-         [](PrivateBus& bus) -> Disturbance {
+         [](PrivateBus& bus) {
              bus.freeze();
-             return {nullptr, [&bus](void*) { bus.wake(); }};
+             return faults::until([&bus] { bus.wake(); });
          }},
         {"AFullSocket",
-         [](PrivateBus&) -> Disturbance {
+         [](PrivateBus&) {
              setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + kSilentSocket).c_str(), 1);
              return std::make_shared<FullSocket>();
          }},
@@ -152,6 +106,8 @@ std::vector<Row> rows() {
         {"Hello", silentFrom("Hello")},
         {"TheNamesRequest", silentFrom("RequestName")},
         {"TheOwnersQuery", silentFrom("GetNameOwner")},
+        // To compare: the same stop with a bus that answers.
+        {"ABusThatAnswers", [](PrivateBus&) { return nullptr; }},
     };
 }
 
@@ -164,41 +120,37 @@ class SilentBusTest : public DaemonTest, public ::testing::WithParamInterface<Ro
         silence_ = GetParam().silence(bus());
         box::setFault("ps", "slow 1");
         launch();
-        ASSERT_TRUE(box::waitUntil([] { return !box::calls("ps").empty(); }));
+        ASSERT_TRUE(box::waitForCalls("ps"));
+        // libdbus itself gives up after 25 seconds, or never.
+        deadline_ = std::chrono::seconds(15);
     }
     void TearDown() override { box::setFault("ps", ""); }
-    void expectEndSoon(const ExitStatus& status) {
-        // libdbus itself gives up after 25 seconds, or never.
-        const auto end = daemon().waitForEnd(std::chrono::seconds(15));
-        ASSERT_TRUE(end.has_value()) << daemon().output();
-        EXPECT_EQ(*end, status) << daemon().output();
-    }
 
   private:
-    Disturbance silence_;
+    Fault silence_;
 };
 
 TEST_P(SilentBusTest, AnInterruptStopsTheWorkerInOrder) {
-    daemon().send(SIGINT);
-    expectEndSoon({0, 0});
+    expectOrderlyStop();
     EXPECT_EQ(box::calls("ps").size(), 2U);  // the cycle under way was finished
 }
 
-INSTANTIATE_TEST_SUITE_P(SilentBuses, SilentBusTest, ::testing::ValuesIn(rows()),
-                         [](const auto& row) { return std::string(row.param.name); });
+const auto nameOf = [](const auto& row) { return std::string(row.param.name); };
+
+INSTANTIATE_TEST_SUITE_P(SilentBuses, SilentBusTest, ::testing::ValuesIn(rows()), nameOf);
 
 class SilentBusTwiceTest : public SilentBusTest {};
 
 TEST_P(SilentBusTwiceTest, ASecondInterruptEndsTheDaemonAtOnce) {
     box::setFault("ps", "hang");
-    ASSERT_TRUE(box::waitUntil([] { return box::calls("ps").size() == 2; }));
+    ASSERT_TRUE(box::waitForCalls("ps", 2));
     daemon().send(SIGINT);
     EXPECT_FALSE(daemon().waitForEnd(std::chrono::milliseconds(1500)).has_value());
     daemon().send(SIGINT);
-    expectEndSoon({255, 0});
+    expectEnd({255, 0});
 }
 
 INSTANTIATE_TEST_SUITE_P(SilentBuses, SilentBusTwiceTest, ::testing::Values(rows().front()),
-                         [](const auto& row) { return std::string(row.param.name); });
+                         nameOf);
 
 }  // namespace

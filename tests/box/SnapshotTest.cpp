@@ -11,29 +11,32 @@
 
 namespace fs = std::filesystem;
 
-std::vector<std::string> SnapshotTest::options() const {
+std::vector<std::string> SnapshotTest::options(const std::vector<std::string>& more) const {
     const std::string programs = KELM_PROGRAMS;
-    return {"--bus",
-            "--bind",
-            folder() + ":" + folder(),
-            "--ro-bind",
-            programs + ":" + programs,
-            "--env",
-            "OUT=" + folder(),
-            "--env",
-            "PROGRAMS=" + programs,
-            "--env",
-            "SNAPSHOT=" KELM_SNAPSHOT_PROGRAM};
+    std::vector<std::string> all{"--bus",
+                                 "--bind",
+                                 folder() + ":" + folder(),
+                                 "--ro-bind",
+                                 programs + ":" + programs,
+                                 "--env",
+                                 "OUT=" + folder(),
+                                 "--env",
+                                 "PROGRAMS=" + programs,
+                                 "--env",
+                                 "SNAPSHOT=" KELM_SNAPSHOT_PROGRAM};
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
 }
 
 std::string SnapshotTest::collector(const std::string& arguments) {
     return "\n\"$SNAPSHOT\" --timeout 60 " + arguments + " -o \"$OUT/box.tar.gz\"";
 }
 
-HostBoxTest::Result SnapshotTest::take(const std::string& script, const std::string& arguments) {
-    Result result = runInBox(script + collector(arguments), options());
+std::string SnapshotTest::take(const std::string& script, const std::string& arguments) {
+    const Result result = runInBox(script + collector(arguments), options());
+    EXPECT_EQ(result.end, ExitStatus{}) << result.output;
     unpack();
-    return result;
+    return result.output;
 }
 
 void SnapshotTest::unpack() {
@@ -41,10 +44,8 @@ void SnapshotTest::unpack() {
     run({"sh", "-c", script, folder() + "/unpacked", archive()});
 }
 
-HostBoxTest::Result SnapshotTest::replay(const std::string& script) {
-    std::vector<std::string> all = options();
-    all.insert(all.end(), {"--snapshot", archive()});
-    return runInBox(script, all);
+HostBoxTest::Result SnapshotTest::replay(const std::string& script, const std::string& snapshot) {
+    return runInBox(script, options({"--snapshot", snapshot}));
 }
 
 std::string SnapshotTest::file(const std::string& path) const {
@@ -61,13 +62,6 @@ std::string SnapshotTest::indexLine(const std::string& name) const {
         if (what == name) return kind + " " + state + " " + size + " " + number;
     }
     return {};
-}
-
-std::string SnapshotTest::state(const std::string& name) const {
-    std::istringstream words(indexLine(name));
-    std::string kind, state;
-    words >> kind >> state;
-    return state;
 }
 
 std::vector<std::string> SnapshotTest::filesWith(const std::string& bytes) const {
@@ -95,21 +89,19 @@ const std::string kState = R"(
 )";
 
 TEST_F(SnapshotTest, TakesFilesAndCommandsWithTheirTimesAndStatuses) {
-    const Result result = take(
+    const std::string output = take(
         "touch -d '2020-02-02 02:02:02' /etc/kelm_deviceid; echo 'exit 3' >/run/kelm-box/fault/iw");
-    ASSERT_EQ(result.end, ExitStatus{}) << result.output;
     EXPECT_EQ(file("files/etc/kelm_deviceid"), " B410 \n");
     EXPECT_EQ(indexLine("/etc/kelm_deviceid"), "file ok 7 1580608922");
-    EXPECT_EQ(indexLine("iw wlan0 link").substr(0, 16), "command failed 3");
-    EXPECT_EQ(indexLine("chipid_tool hwrev").substr(0, 12), "command ok 0");
+    expectState("iw wlan0 link", "command failed 3");
+    expectState("chipid_tool hwrev", "command ok 0");
     const std::string call = indexLine("chipid_tool hwrev").substr(13);
     EXPECT_EQ(file("commands/" + call + "/output"), "29\n");
     EXPECT_NE(file("files/proc/meminfo").find("MemFree:"), std::string::npos);
     EXPECT_EQ(file("files/tmp/syslog.0").substr(0, 15), "Jan  1 00:00:03");
     EXPECT_EQ(file("about").substr(0, 9), "format 1\n");
-    EXPECT_NE(result.output.find("failed"), 0U);
-    EXPECT_NE(result.output.find("ended with a status: iw wlan0 link (3)"), std::string::npos)
-        << result.output;
+    EXPECT_NE(output.find("failed"), 0U);
+    EXPECT_NE(output.find("ended with a status: iw wlan0 link (3)"), std::string::npos) << output;
 }
 
 TEST_F(SnapshotTest, ChangesNothingOnTheBoxAndAsksHarmlessQuestionsOnly) {
@@ -128,36 +120,32 @@ TEST_F(SnapshotTest, ChangesNothingOnTheBoxAndAsksHarmlessQuestionsOnly) {
 }
 
 TEST_F(SnapshotTest, AnythingButAFileIsNotedAndNeverWaitedFor) {
-    const Result result = take(
+    const std::string output = take(
         "cd /var/kelm; rm TZ update_type syslog_host; mkfifo update_type; mkdir syslog_host; "
         "ln -s /dev/zero /tmp/syslog.7; ln -s nowhere TZ; : >'odd name'; rm /usr/bin/chipid_tool");
-    ASSERT_EQ(result.end, ExitStatus{}) << result.output;
-    EXPECT_EQ(state("/var/kelm/update_type"), "fifo");
-    EXPECT_EQ(state("/var/kelm/syslog_host"), "folder");
-    EXPECT_EQ(state("/tmp/syslog.7"), "device");
-    EXPECT_EQ(state("/var/kelm/TZ"), "missing");
-    EXPECT_EQ(state("/var/kelm/odd?name"), "name");
-    EXPECT_EQ(indexLine("chipid_tool hwrev").substr(0, 19), "command missing 127");
-    EXPECT_NE(result.output.find("no files: /var/kelm/update_type, /var/kelm/syslog_host"),
+    expectState("/var/kelm/update_type", "file fifo");
+    expectState("/var/kelm/syslog_host", "file folder");
+    expectState("/tmp/syslog.7", "file device");
+    expectState("/var/kelm/TZ", "file missing");
+    expectState("/var/kelm/odd?name", "file name");
+    expectState("chipid_tool hwrev", "command missing 127");
+    EXPECT_NE(output.find("no files: /var/kelm/update_type, /var/kelm/syslog_host"),
               std::string::npos)
-        << result.output;
+        << output;
 }
 
 TEST_F(SnapshotTest, ACommandThatHangsIsCutOff) {
-    const Result result = take("echo hang >/run/kelm-box/fault/netstat", "--timeout 1");
-    ASSERT_EQ(result.end, ExitStatus{}) << result.output;
-    EXPECT_EQ(state("netstat -aun"), "cut-off");
-    EXPECT_EQ(state("sysctl -a"), "failed") << "of the kernel's unreadable keys";
-    EXPECT_NE(result.output.find("cut off after 1 s: netstat -aun"), std::string::npos);
+    const std::string output = take("echo hang >/run/kelm-box/fault/netstat", "--timeout 1");
+    expectState("netstat -aun", "command cut-off");
+    expectState("sysctl -a", "command failed");
+    EXPECT_NE(output.find("cut off after 1 s: netstat -aun"), std::string::npos);
 }
 
 TEST_F(SnapshotTest, ALargeFileIsCutToWholeLinesAndALogKeepsItsNewest) {
-    const Result result =
-        take("echo flood >/run/kelm-box/fault/iw; seq 100000 | sed 's/^/line /' >/tmp/syslog",
-             "--file-limit 100");
-    ASSERT_EQ(result.end, ExitStatus{}) << result.output;
-    EXPECT_EQ(state("/tmp/syslog"), "truncated");
-    EXPECT_EQ(state("iw wlan0 link"), "truncated");
+    take("echo flood >/run/kelm-box/fault/iw; seq 100000 | sed 's/^/line /' >/tmp/syslog",
+         "--file-limit 100");
+    expectState("/tmp/syslog", "file truncated");
+    expectState("iw wlan0 link", "command truncated");
     const std::string log = file("files/tmp/syslog");
     EXPECT_LE(log.size(), 102400U);
     EXPECT_GT(log.size(), 102300U);
@@ -166,22 +154,19 @@ TEST_F(SnapshotTest, ALargeFileIsCutToWholeLinesAndALogKeepsItsNewest) {
 }
 
 TEST_F(SnapshotTest, TheWholeArchiveIsLimited) {
-    const Result result =
+    const std::string output =
         take("seq 100000 >/tmp/syslog; seq 9999 >/tmp/syslog.0", "--total-limit 200");
-    ASSERT_EQ(result.end, ExitStatus{}) << result.output;
-    EXPECT_EQ(state("/etc/kelm_deviceid"), "ok");
-    EXPECT_EQ(state("/tmp/syslog"), "truncated");
-    EXPECT_EQ(state("/tmp/syslog.0"), "left-out");
-    EXPECT_EQ(state("chipid_tool"), "left-out");
-    EXPECT_NE(result.output.find("left out: /tmp/syslog.0, chipid_tool"), std::string::npos)
-        << result.output;
+    expectState("/etc/kelm_deviceid", "file ok");
+    expectState("/tmp/syslog", "file truncated");
+    expectState("/tmp/syslog.0", "file left-out");
+    expectState("chipid_tool", "command left-out");
+    EXPECT_NE(output.find("left out: /tmp/syslog.0, chipid_tool"), std::string::npos) << output;
 }
 
 TEST_F(SnapshotTest, TheDaemonsZoneAndVersionAreTaken) {
-    const Result result = take(
+    const std::string output = take(
         "cp /usr/host/bin/sleep /tmp/kelm-trd; printf '\\0kelm-trd 9.8.7\\0' >>/tmp/kelm-trd; "
         "TZ=KLM-3 SECRET_TOKEN=none /tmp/kelm-trd 1000 &");
-    ASSERT_EQ(result.end, ExitStatus{}) << result.output;
     EXPECT_NE(file("environment").find("TZ=KLM-3\n"), std::string::npos) << file("environment");
     EXPECT_EQ(file("environment").find("SECRET"), std::string::npos);
     EXPECT_NE(file("about").find("\ndaemon 9.8.7\n"), std::string::npos) << file("about");
@@ -224,9 +209,8 @@ TEST_P(SnapshotEndTest, LeavesNothingBehind) {
         ls -A /tmp | cmp - "$OUT/before"
         i=0; while ps | grep -q '[s]leep 1000000' && [ $i -lt 100 ]; do sleep 0.1; i=$((i + 1)); done
         ps | grep '[s]leep 1000000')";
-    std::vector<std::string> all = options();
-    all.insert(all.end(), {"--env", "SIGNAL=" + std::to_string(GetParam())});
-    const Result result = runInBox(script, all);
+    const std::string signal = std::to_string(GetParam());
+    const Result result = runInBox(script, options({"--env", "SIGNAL=" + signal}));
     EXPECT_EQ(result.output, "status " + std::to_string(128 + GetParam()) + "\n");
 }
 INSTANTIATE_TEST_SUITE_P(Signals, SnapshotEndTest, ::testing::Values(SIGHUP, SIGINT, SIGTERM));

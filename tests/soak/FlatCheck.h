@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/box/Vitals.h"
+#include "tests/support/Vitals.h"
 
 #include <cstddef>
 #include <string>

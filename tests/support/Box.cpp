@@ -21,6 +21,11 @@ void writeFile(const std::string& path, const std::string& content) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
 }
 
+void replaceFile(const std::string& path, const std::string& content) {
+    writeFile(path + ".new", content);
+    std::filesystem::rename(path + ".new", path);
+}
+
 std::string readFile(const std::string& path) {
     std::ostringstream content;
     content << std::ifstream(path, std::ios::binary).rdbuf();
@@ -59,12 +64,10 @@ void writeNotificationFile(const std::vector<std::string>& parameters) {
 
 void setFault(const std::string& command, const std::string& fault) {
     const std::string file = kFaultFolder + command;
-    if (fault.empty()) {
+    if (fault.empty())
         std::remove(file.c_str());
-        return;
-    }
-    writeFile(file + ".new", fault + "\n");
-    std::filesystem::rename(file + ".new", file);  // a stand-in never reads half a fault
+    else
+        replaceFile(file, fault + "\n");
 }
 
 bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {

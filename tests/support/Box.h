@@ -11,6 +11,8 @@ namespace box {
 
 /// Replaces a file's content, making its folders.
 void writeFile(const std::string& path, const std::string& content);
+/// The same in one step: a reader finds the old content or the new one, whole.
+void replaceFile(const std::string& path, const std::string& content);
 /// Empty for a missing file.
 std::string readFile(const std::string& path);
 

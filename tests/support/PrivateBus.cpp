@@ -1,15 +1,12 @@
 #include "tests/support/PrivateBus.h"
 
 #include "tests/support/Box.h"
+#include "tests/support/UnixSocket.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace {
 
@@ -22,18 +19,6 @@ std::string configurationText(const std::string& limits) {
            "<policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
            "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy>" +
            limits + "</busconfig>";
-}
-
-// The socket's file is there before the bus listens.
-bool isListening() {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    kSocket.copy(address.sun_path, sizeof address.sun_path - 1);
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool connected =
-        connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    close(descriptor);
-    return connected;
 }
 
 }  // namespace
@@ -68,6 +53,8 @@ void PrivateBus::start() {
         std::make_unique<Child>(std::vector<std::string>{"dbus-daemon", "--nofork", "--nopidfile",
                                                          "--config-file=" + configuration_},
                                 kFolder + "output");
+    // The socket's file is there before the bus listens.
+    const auto isListening = [] { return UnixSocket(UnixSocket::connectedTo(kSocket)).get() >= 0; };
     if (!box::waitUntil(isListening))
         throw std::runtime_error("the private bus does not listen: " + daemon_->output());
 }

@@ -11,7 +11,7 @@
 class Repeating {
   public:
     explicit Repeating(std::function<void()> action,
-                       std::chrono::milliseconds pause = std::chrono::milliseconds(0))
+                       std::chrono::microseconds pause = std::chrono::microseconds(0))
         : thread_([this, action = std::move(action), pause] {
               while (!done_) {
                   action();

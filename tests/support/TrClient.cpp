@@ -148,6 +148,15 @@ TrClient::Pending TrClient::sendGetValue(const std::string& address) {
     return send({kInterface, "get_value", {address}});
 }
 
+TrReply TrClient::wait(const Pending& call) {
+    dbus_pending_call_block(call.get());
+    const Message message(dbus_pending_call_steal_reply(call.get()));
+    TrReply reply = read(message.get());
+    reply.ok = dbus_message_get_type(message.get()) != DBUS_MESSAGE_TYPE_ERROR;
+    if (!reply.ok) reply.errorName = dbus_message_get_error_name(message.get());
+    return reply;
+}
+
 bool TrClient::post(const TrCall& call) {
     const Message message = build(call);
     if (!connected() || message == nullptr) return false;

@@ -39,6 +39,15 @@ class TrClient {
     static constexpr char kInterface[] = "com.kelm.stb.TR";
     static constexpr int kTimeoutMilliseconds = 60'000;
 
+    struct CloseConnection {
+        void operator()(DBusConnection* connection) const;
+    };
+    struct DropMessage {
+        void operator()(DBusMessage* message) const { dbus_message_unref(message); }
+    };
+    using Connection = std::unique_ptr<DBusConnection, CloseConnection>;
+    using Message = std::unique_ptr<DBusMessage, DropMessage>;
+
     /// \p service is the daemon's bus name, well-known or unique.
     explicit TrClient(const std::string& busAddress, std::string service = kService);
 
@@ -72,6 +81,8 @@ class TrClient {
     using Pending = std::unique_ptr<DBusPendingCall, CancelPending>;
     Pending send(const TrCall& call);
     Pending sendGetValue(const std::string& address);
+    /// Blocks until the reply has come. The call must have been sent.
+    static TrReply wait(const Pending& call);
 
     /// The unique name of the service's owner; empty when nobody owns it.
     std::string owner();
@@ -79,14 +90,6 @@ class TrClient {
     std::uint32_t ownerPid();
 
   private:
-    struct CloseConnection {
-        void operator()(DBusConnection* connection) const;
-    };
-    struct DropMessage {
-        void operator()(DBusMessage* message) const { dbus_message_unref(message); }
-    };
-    using Message = std::unique_ptr<DBusMessage, DropMessage>;
-
     void open(const std::string& busAddress);
     Message build(const TrCall& call) const;
     Message askBus(const char* member);
@@ -98,5 +101,5 @@ class TrClient {
     std::chrono::milliseconds timeout_{kTimeoutMilliseconds};
     TrReply connectError_;
     std::size_t strayReplies_ = 0;
-    std::unique_ptr<DBusConnection, CloseConnection> connection_;
+    Connection connection_;
 };

@@ -46,7 +46,7 @@ TEST(CompletionTest, TheCommandsAreThoseOfTheParser) {
 TEST(CompletionTest, OptionsAreThoseOfTheCommandAndTheCommonOnes) {
     EXPECT_EQ(offered("trctl watch --p"), (Words{"--plot"}));
     EXPECT_TRUE(offers("trctl get -", "--json"));
-    EXPECT_FALSE(offers("trctl watch --", "--json"));
+    EXPECT_FALSE(offers("trctl watch --", "--long"));
     for (const char* line : {"trctl -", "trctl get --", "trctl get Device. --"})
         for (const char* option : {"--bus", "--color", "--timeout", "--quiet", "--help"})
             EXPECT_TRUE(offers(line, option)) << line << option;

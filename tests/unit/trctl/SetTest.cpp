@@ -67,7 +67,7 @@ TEST_F(SetTest, OneThatDoesNotTakeDoesNotStopTheOthers) {
     };
     EXPECT_EQ(setAll({{"D.B", "bad"}, {"D.C", "y"}}), kRefused);
     EXPECT_EQ(output_, "D.B = 1\nD.C = y\n");
-    EXPECT_EQ(errors_, "trctl: D.B does not take this value: Logic error\n");
+    EXPECT_EQ(errors_, "trctl: D.B does not take this value: it is not a number\n");
 }
 
 TEST_F(SetTest, WhatWasWrittenIsPrintedWhenTheDaemonGoes) {

@@ -1,4 +1,4 @@
-#include "tests/box/Vitals.h"
+#include "tests/support/Vitals.h"
 
 #include <algorithm>
 #include <cctype>

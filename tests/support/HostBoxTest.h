@@ -16,7 +16,8 @@ class HostBoxTest : public ::testing::Test {
         std::string output;  ///< standard output and standard error
     };
 
-    static const std::string kBox;
+    static const std::string kBox;        ///< box/box
+    static const std::string kTestInBox;  ///< box/test-in-box
     static constexpr int kRefused = 77;
 
     HostBoxTest();

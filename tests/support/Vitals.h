@@ -6,6 +6,13 @@
 
 #include <sys/types.h>
 
+/// A sanitizer keeps what was freed, and its shadow memory is far beyond any limit.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
 /// What a process holds of the system, as /proc shows it; all 0 when it has ended.
 struct Vitals {
     std::size_t threads = 0;

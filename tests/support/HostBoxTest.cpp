@@ -1,4 +1,4 @@
-#include "tests/box/HostBoxTest.h"
+#include "tests/support/HostBoxTest.h"
 
 #include "tests/support/Box.h"
 
@@ -9,6 +9,7 @@
 namespace fs = std::filesystem;
 
 const std::string HostBoxTest::kBox = KELM_BOX_FOLDER "/box";
+const std::string HostBoxTest::kTestInBox = KELM_BOX_FOLDER "/test-in-box";
 
 HostBoxTest::HostBoxTest() {
     std::string name = fs::temp_directory_path() / "box_test.XXXXXX";

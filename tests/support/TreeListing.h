@@ -7,8 +7,7 @@
 namespace TreeListing {
 
 /// Where the listing differs from what is expected: a paragraph for each address that is missing,
-/// unexpected or different, at most ten. Empty when the two agree. \p expected may hold comments
-/// and shapes.
+/// unexpected or different. Empty when the two agree. \p expected may hold comments and shapes.
 std::string differences(const std::string& expected, const std::string& listing);
 
 }  // namespace TreeListing
