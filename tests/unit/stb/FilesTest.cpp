@@ -49,9 +49,12 @@ class UtilsFileTest : public testing::Test {
     static bool setOnAFullDisk(const std::string& path, std::size_t size) {
         const ChildResult child = runInChild([&] {
             std::signal(SIGXFSZ, SIG_IGN);
-            const rlimit limit{1000, 1000};
-            setrlimit(RLIMIT_FSIZE, &limit);
+            rlimit limit{};
+            getrlimit(RLIMIT_FSIZE, &limit);
+            const rlimit full{1000, limit.rlim_max};
+            setrlimit(RLIMIT_FSIZE, &full);
             std::printf("%d", setFileContent(path, std::string(size, 'x')));
+            setrlimit(RLIMIT_FSIZE, &limit);  // a build for coverage writes its counts at the end
         });
         return child.out == "1";
     }
