@@ -85,14 +85,14 @@ TEST_F(DBusWorkerTest, AnUnknownAddressReadsEmptyAndAskingWhetherItIsWritableAdd
 
 TEST_F(DBusWorkerTest, FlagsReadAsOneOrZeroAndParametersAreListedWithoutTheObjects) {
     fill("Device.b", Value(1LL));
-    at("Device.b").setForcedInform(true);
     storage_.set(Address("Device."), Value::Object());
     storage_.set(Address("Device.a"), Value(1LL));
+    at("Device.a").setForcedInform(true);
     serve(&storage_);
     EXPECT_EQ(client().getWritable("Device.b").text, "1");
-    EXPECT_EQ(client().getForcedInform("Device.b").text, "1");
+    EXPECT_EQ(client().getForcedInform("Device.b").text, "0");
     EXPECT_EQ(client().getWritable("Device.a").text, "0");
-    EXPECT_EQ(client().getForcedInform("Device.a").text, "0");
+    EXPECT_EQ(client().getForcedInform("Device.a").text, "1");
     EXPECT_EQ(client().listAddresses().list, (List{"Device.", "Device.a", "Device.b"}));
     EXPECT_EQ(client().listParametersOnly().list, (List{"Device.a", "Device.b"}));
 }

@@ -87,7 +87,7 @@ TEST_F(NetworkDataProviderTest, EnableIsTheAdministrativeFlag) {
 TEST_F(NetworkDataProviderTest, AnUnknownStateWithoutCarrierIsAnError) {
     setKernelFile("eth0", "operstate", "unknown\n");
     run("ip link set peer-eth0 down");
-    // The kernel reports a carrier that goes up to a second later.
+    // The kernel reports up to a second later that the carrier is gone.
     EXPECT_TRUE(box::waitUntil([this] {
         provider_.updateValues();
         return ip(1, "Status") == "Error" && ethernet(1, "Status") == "Error";
@@ -105,7 +105,8 @@ TEST_F(NetworkDataProviderTest, OnlyAChangeOfStatusMovesTheLastChange) {
     EXPECT_EQ(provider_.interfaces().at("eth0").lastChange, first);
     setKernelFile("eth0", "operstate", "dormant\n");
     provider_.updateValues();
-    EXPECT_EQ(ip(1, "Status") + ethernet(1, "Status"), "DormantDormant");
+    EXPECT_EQ(ip(1, "Status"), "Dormant");
+    EXPECT_EQ(ethernet(1, "Status"), "Dormant");
     const NSTime second = provider_.interfaces().at("eth0").lastChange;
     EXPECT_GT(second, first);
     provider_.updateValues();
@@ -175,12 +176,14 @@ TEST_F(NetworkDataProviderTest, AVanishedInterfaceKeepsItsPlaceAndReturnsThere) 
     run("ip link del eth0");
     provider_.updateValues();
     EXPECT_EQ(publishedNames(), (Names{"eth0", "wlan0"}));
-    EXPECT_EQ(ip(1, "Status") + ethernet(1, "Status"), "NotPresentNotPresent");
+    for (const std::string& status : {ip(1, "Status"), ethernet(1, "Status")})
+        EXPECT_EQ(status, "NotPresent");
     EXPECT_EQ(ip(1, "Enable") + ethernet(1, "Enable"), "00");
     EXPECT_EQ(ip(1, "IPv4AddressNumberOfEntries"), "0");
     EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress") + ip(1, "IPv4Address.1.SubnetMask"), "");
     EXPECT_EQ(ethernet(1, "MACAddress"), "");
-    EXPECT_EQ(ethernet(1, "MaxBitRate") + ethernet(1, "DuplexMode"), "0Auto");
+    EXPECT_EQ(ethernet(1, "MaxBitRate"), "0");
+    EXPECT_EQ(ethernet(1, "DuplexMode"), "Auto");
     EXPECT_EQ(ip(2, "Status"), "Up");
     const NSTime change = provider_.interfaces().at("eth0").lastChange;
     EXPECT_GE(change, moment);
@@ -189,7 +192,9 @@ TEST_F(NetworkDataProviderTest, AVanishedInterfaceKeepsItsPlaceAndReturnsThere) 
 
     addInterface("eth0");
     provider_.updateValues();
-    EXPECT_EQ(ip(1, "Name") + ip(1, "Status") + ip(1, "Enable"), "eth0Up1");
+    EXPECT_EQ(ip(1, "Name"), "eth0");
+    EXPECT_EQ(ip(1, "Status"), "Up");
+    EXPECT_EQ(ip(1, "Enable"), "1");
     EXPECT_EQ(ip(1, "IPv4Address.1.IPAddress"), "10.0.0.1");
     EXPECT_EQ(ethernet(1, "MaxBitRate"), "100");
     EXPECT_EQ(below("Device."), before);
