@@ -45,7 +45,7 @@ TEST(WiFiConfigTest, AMissingKeyLeavesAnEmptyText) {
     EXPECT_EQ(config.wpaPassphrase + config.wepPassphrase, "");
 }
 
-// Everything behind the equals sign counts, of the last line that has the key and one.
+// The last line with the key and an equals sign counts, with everything behind the sign.
 TEST(WiFiConfigTest, TheNameIsWhatStandsBehindTheEqualsSign) {
     const Rows rows = {
         {"", ""},
