@@ -1,8 +1,8 @@
+#include "tests/fuzz/Fuzz.h"
 #include "tests/unit/cwmp/Fakes.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 
 #include <unistd.h>
@@ -24,20 +24,12 @@ FakeLife& life() {
 
 // The lines of the CWMP client. Whatever comes, each answer is one line of JSON, and the prompt
 // follows the end.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::string line;
+void tryInput(const std::string& input) {
     life().answers.clear();
-    for (std::size_t i = 0; i <= size; ++i) {
-        if (i < size && data[i] != '\n') {
-            line += static_cast<char>(data[i]);
-            continue;
-        }
-        life().session.take(line);
-        line.clear();
-    }
+    std::istringstream lines(input + '\n');
+    for (std::string line; std::getline(lines, line);) life().session.take(line);
     life().session.take(R"({"command":"end"})");
-    if (life().answers.empty() || life().answers.back() != "easycwmp>") std::abort();
+    require(!life().answers.empty() && life().answers.back() == "easycwmp>");
     for (const std::string& answer : life().answers)
-        if (answer != "easycwmp>" && !cwmp::parseLine(answer)) std::abort();
-    return 0;
+        require(answer == "easycwmp>" || cwmp::parseLine(answer));
 }

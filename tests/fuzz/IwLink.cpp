@@ -1,14 +1,9 @@
 #include "providers/NetworkText.h"
 #include "stb/src/common/Text.h"
-
-#include <cstddef>
-#include <cstdint>
-#include <string>
+#include "tests/fuzz/Fuzz.h"
 
 // What `iw INTERFACE link` prints: the air decides on the network's name, the driver on the rest.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void tryInput(const std::string& output) {
     using namespace TR;
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    NetworkText::wiFiStatus(Utils::splitLines(text, Utils::LineFeeds::Keep));
-    return 0;
+    NetworkText::wiFiStatus(Utils::splitLines(output, Utils::LineFeeds::Keep));
 }

@@ -1,13 +1,10 @@
 #include "model/NotifTable.h"
+#include "tests/fuzz/Fuzz.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
 
 // A line of the client's notification file: anything may stand there while the client rewrites it.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string line(reinterpret_cast<const char*>(data), size);
+void tryInput(const std::string& line) {
     std::string parameter, value, notification, type;
     TR::NotifTable::parseJsonLine(line, parameter, value, notification, type);
-    return 0;
 }

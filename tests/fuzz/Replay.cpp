@@ -1,31 +1,18 @@
+#include "tests/fuzz/Fuzz.h"
+#include "tests/support/Box.h"
+
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
-#include <vector>
 
 // Runs a fuzzer's function over the files of a corpus folder and over the same mutations of them
 // every time, so that every build, the sanitizers' included, meets bad input without a fuzzing
 // engine.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 namespace {
 
 constexpr int kMutationsPerFile = 500;
-
-void run(const std::string& input) {
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
-}
-
-std::string fileContent(const std::filesystem::path& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 std::string mutated(std::string input, std::mt19937& random) {
     for (unsigned changes = 1 + random() % 4; changes > 0; --changes) {
@@ -55,9 +42,9 @@ int main(int argumentCount, char** arguments) {
     std::mt19937 random(1);
     int inputs = 0;
     for (const auto& entry : std::filesystem::directory_iterator(arguments[1])) {
-        const std::string input = fileContent(entry.path());
-        run(input);
-        for (int i = 0; i < kMutationsPerFile; ++i) run(mutated(input, random));
+        const std::string input = box::readFile(entry.path());
+        tryInput(input);
+        for (int i = 0; i < kMutationsPerFile; ++i) tryInput(mutated(input, random));
         inputs += 1 + kMutationsPerFile;
     }
     std::printf("%d inputs\n", inputs);

@@ -9,7 +9,6 @@
 #include "tests/support/Repeating.h"
 #include "tests/support/Talker.h"
 
-#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -28,15 +27,12 @@ using std::chrono::steady_clock;
 
 constexpr int kSamples = 20;
 // A log that grows and is rotated, as syslogd does it; the same sizes again and again.
-void writeLog(const std::atomic<bool>& done) {
-    for (std::size_t line = 0; !done; ++line) {
-        if (line % 2000 == 0) {
-            std::rename("/tmp/syslog", "/tmp/syslog.0");
-            box::writeFile("/tmp/syslog", "");
-        }
-        std::ofstream("/tmp/syslog", std::ios::app) << "line " << line << " of the log\n";
-        std::this_thread::sleep_for(milliseconds(10));
+void writeLogLine(std::size_t line) {
+    if (line % 2000 == 0) {
+        std::rename("/tmp/syslog", "/tmp/syslog.0");
+        box::writeFile("/tmp/syslog", "");
     }
+    std::ofstream("/tmp/syslog", std::ios::app) << "line " << line << " of the log\n";
 }
 
 /// What all of them have counted so far.
@@ -50,12 +46,12 @@ std::size_t sumOf(const std::vector<std::unique_ptr<Talker>>& talkers,
 bool run(Child& daemon, const std::string& bus, double minutes, std::size_t clients) {
     std::vector<std::unique_ptr<Talker>> talkers;
     for (std::size_t i = 0; i < clients; ++i) talkers.push_back(std::make_unique<Talker>(bus, i));
-    std::atomic<bool> done{false};
     std::vector<std::unique_ptr<Repeating>> talks;
     for (auto& talker : talkers)
         talks.push_back(
             std::make_unique<Repeating>([&talker] { talker->talkOnce(); }, milliseconds(10)));
-    std::thread log([&] { writeLog(done); });
+    const Repeating log([line = std::size_t{0}]() mutable { writeLogLine(line++); },
+                        milliseconds(10));
     FlatCheck check("seconds");
     const auto start = steady_clock::now();
     for (int sample = 1; sample <= kSamples && daemon.isRunning(); ++sample) {
@@ -65,8 +61,6 @@ bool run(Child& daemon, const std::string& bus, double minutes, std::size_t clie
                   std::to_string(sumOf(talkers, &Talker::calls)) + " calls, " +
                       std::to_string(sumOf(talkers, &Talker::mistakes)) + " wrong");
     }
-    done = true;
-    log.join();
     talks.clear();
     const bool isRight =
         sumOf(talkers, &Talker::mistakes) == 0 && sumOf(talkers, &Talker::calls) > 0;

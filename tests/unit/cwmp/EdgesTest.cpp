@@ -4,7 +4,7 @@
 #include "cwmp/Options.h"
 #include "cwmp/Program.h"
 #include "tests/support/Box.h"
-#include "tests/unit/stb/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
+#include "tests/support/TempFolder.h"
 #include "tests/unit/cwmp/Fakes.h"
-#include "tests/unit/stb/TempFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,9 @@
 #include "dbus/Utf8.h"
 
-#include <dbus/dbus.h>
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -12,6 +11,7 @@ using TR::toValidUtf8;
 
 const std::string kBad = "\xEF\xBF\xBD";
 
+// Any bytes are compared with libdbus by the fuzzer's replay.
 TEST(Utf8Test, ValidTextsPassUnchanged) {
     for (const std::string& text :
          {std::string(), std::string("plain ASCII, longer than eight bytes\t\n\x7f"),
@@ -21,28 +21,22 @@ TEST(Utf8Test, ValidTextsPassUnchanged) {
 }
 
 TEST(Utf8Test, EachBadByteBecomesAReplacementCharacter) {
-    EXPECT_EQ(toValidUtf8("a\xFF\xFE"
-                          "b"),
-              "a" + kBad + kBad + "b");
-    EXPECT_EQ(toValidUtf8("\x80"), kBad);
-}
-
-TEST(Utf8Test, ANulBecomesAReplacementCharacter) {
-    EXPECT_EQ(toValidUtf8(std::string("a\0b", 3)), "a" + kBad + "b");
-    EXPECT_EQ(toValidUtf8(std::string("01234567\0", 9)), "01234567" + kBad);
-}
-
-TEST(Utf8Test, ATruncatedSequenceIsReplacedByteByByte) {
-    EXPECT_EQ(toValidUtf8("\xE2\x82"), kBad + kBad);
-    EXPECT_EQ(toValidUtf8("\xF0\x9F\x98x"), kBad + kBad + kBad + "x");
-}
-
-TEST(Utf8Test, OverlongFormsSurrogatesAndWhatLiesBeyondUnicodeAreBad) {
-    EXPECT_EQ(toValidUtf8("\xC0\xAF"), kBad + kBad);
-    EXPECT_EQ(toValidUtf8("\xE0\x9F\xBF"), kBad + kBad + kBad);
-    EXPECT_EQ(toValidUtf8("\xED\xA0\x80"), kBad + kBad + kBad);
-    EXPECT_EQ(toValidUtf8("\xF0\x8F\xBF\xBF"), kBad + kBad + kBad + kBad);
-    EXPECT_EQ(toValidUtf8("\xF4\x90\x80\x80"), kBad + kBad + kBad + kBad);
+    const std::pair<std::string, std::string> rows[] = {
+        {"a\xFF\xFE"
+         "b",
+         "a" + kBad + kBad + "b"},
+        {"\x80", kBad},
+        {std::string("a\0b", 3), "a" + kBad + "b"},
+        {std::string("01234567\0", 9), "01234567" + kBad},
+        {"\xE2\x82", kBad + kBad},  // cut off
+        {"\xF0\x9F\x98x", kBad + kBad + kBad + "x"},
+        {"\xC0\xAF", kBad + kBad},  // overlong forms, surrogates and what lies beyond Unicode
+        {"\xE0\x9F\xBF", kBad + kBad + kBad},
+        {"\xED\xA0\x80", kBad + kBad + kBad},
+        {"\xF0\x8F\xBF\xBF", kBad + kBad + kBad + kBad},
+        {"\xF4\x90\x80\x80", kBad + kBad + kBad + kBad},
+    };
+    for (const auto& [text, valid] : rows) EXPECT_EQ(toValidUtf8(text), valid);
 }
 
 TEST(Utf8Test, ABadByteIsFoundAtEveryOffsetOfAWord) {
@@ -52,17 +46,6 @@ TEST(Utf8Test, ABadByteIsFoundAtEveryOffsetOfAWord) {
         std::string expected(24, 'x');
         expected.replace(offset, 1, kBad);
         EXPECT_EQ(toValidUtf8(text), expected) << offset;
-    }
-}
-
-TEST(Utf8Test, AnyBytesBecomeWhatTheBusLibraryTakes) {
-    std::mt19937 random(1);  // the same texts in every run
-    for (int i = 0; i < 20000; ++i) {
-        std::string text(random() % 40, '\0');
-        for (char& byte : text) byte = static_cast<char>(random());
-        const std::string valid = toValidUtf8(text);
-        EXPECT_EQ(valid.find('\0'), std::string::npos);
-        EXPECT_TRUE(dbus_validate_utf8(valid.c_str(), nullptr));
     }
 }
 

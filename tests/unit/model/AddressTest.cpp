@@ -8,12 +8,9 @@ namespace {
 
 using TR::Address;
 
-TEST(AddressTest, APrefixComesBeforeTheLongerPath) {
+TEST(AddressTest, APrefixComesBeforeTheLongerPathAndAsciiBeforeOtherBytes) {
     EXPECT_LT(Address("Device."), Address("Device.DeviceInfo."));
     EXPECT_FALSE(Address("Device.DeviceInfo.") < Address("Device."));
-}
-
-TEST(AddressTest, BytesAboveAsciiComeAfterIt) {
     EXPECT_LT(Address("z"), Address("\x80"));
 }
 

@@ -1,9 +1,10 @@
-#include "model/Storage.h"
 #include "stb/src/common/Commands.h"
 #include "tests/support/Box.h"
+#include "tests/support/StoreTest.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,38 +13,49 @@ namespace {
 using TR::Address;
 using TR::Value;
 
-const Address kProvisioningCode("Device.DeviceInfo.ProvisioningCode");
+const Address kAddress("Device.DeviceInfo.ProvisioningCode");
 constexpr char kOption[] = "easycwmp.@local[0].provisioning_code";
+constexpr char kFile[] = "/var/kelm/TZ";
 
-class StorageUciTest : public ::testing::Test {
+/// A parameter whose text is kept elsewhere: its copy has the text and none of the settings.
+class StorageKeptElsewhereTest : public StoreTest {
   protected:
-    StorageUciTest() {
-        storage_.set(kProvisioningCode, Value(std::string()));
-        storage_[kProvisioningCode].setMutableByUser(true);
-        storage_[kProvisioningCode].setPathInConfig(kOption);
+    StorageKeptElsewhereTest() {
+        storage_.set(kAddress, Value(std::string()));
+        storage_[kAddress].setMutableByUser(true);
+        storage_[kAddress].setPathInConfig(kOption);
     }
 
-    TR::Storage storage_;
+    void expectCopy(const std::string& text) const {
+        const Value copy = storage_.getValueCopy(kAddress);
+        EXPECT_EQ(copy, Value(text));
+        EXPECT_FALSE(copy.isMutableByUser());
+        EXPECT_EQ(copy.getPathInConfig() + copy.filePathToStoreValue(), "");
+    }
 };
 
-TEST_F(StorageUciTest, AUciParameterReadsWithoutTheTrailingNewline) {
+TEST_F(StorageKeptElsewhereTest, AUciParameterReadsWithoutTheTrailingNewline) {
     TR::Utils::getCmdOutput(std::string("/usr/bin/uci -q set ") + kOption + "=\"two words\"");
     box::clearCalls("uci");
-    const Value copy = storage_.getValueCopy(kProvisioningCode);
-    EXPECT_EQ(copy, Value(std::string("two words")));
-    EXPECT_FALSE(copy.isMutableByUser());
-    EXPECT_EQ(copy.getPathInConfig(), "");
+    expectCopy("two words");
     EXPECT_EQ(box::calls("uci"), std::vector<std::string>{std::string("uci -q get ") + kOption});
-}
-
-TEST_F(StorageUciTest, AMissingOptionReadsAsAnEmptyText) {
-    storage_[kProvisioningCode].setPathInConfig("no.such.option");
-    EXPECT_EQ(storage_.getValueCopy(kProvisioningCode), Value(std::string()));
-}
-
-TEST_F(StorageUciTest, AFailingUciReadsAsAnEmptyText) {
     box::setFault("uci", "exit 1");
-    EXPECT_EQ(storage_.getValueCopy(kProvisioningCode), Value(std::string()));
+    expectCopy("");
+}
+
+TEST_F(StorageKeptElsewhereTest, AMissingOptionReadsAsAnEmptyText) {
+    storage_[kAddress].setPathInConfig("no.such.option");
+    expectCopy("");
+}
+
+TEST_F(StorageKeptElsewhereTest, AFileWinsOverUciAndReadsAsItStands) {
+    storage_[kAddress].setFilePathToStoreValue(kFile);
+    box::writeFile(kFile, "MSK-3\n");
+    expectCopy("MSK-3\n");
+    std::filesystem::remove(kFile);
+    expectCopy("");
+    EXPECT_EQ(storage_[kAddress].getString(), "");
+    EXPECT_TRUE(box::calls("uci").empty());
 }
 
 }  // namespace

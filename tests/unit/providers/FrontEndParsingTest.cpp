@@ -6,6 +6,7 @@
 #include <limits>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -16,84 +17,57 @@ using Addresses = std::set<std::string>;
 const std::string kVersionKey = "net.ipv4.conf.default.force_igmp_version";
 const std::string kMembershipsKey = "net.ipv4.igmp_max_memberships";
 
-std::uint32_t memberships(const std::string& afterKey) {
-    return TR::Igmp::kernelSettings({kMembershipsKey + " = 20\n", kMembershipsKey + afterKey})
-        .maximumMemberships;
-}
-
 TEST(KernelSettingsTest, BothNumbersAreReadFromTheKernelsLines) {
-    const auto settings = TR::Igmp::kernelSettings(
-        {"net.ipv4.conf.all.force_igmp_version = 7\n", kVersionKey + " = 2\n",
-         "net.ipv4.conf.eth0.force_igmp_version = 3\n", kMembershipsKey + " = 20\n",
-         "net.ipv4.igmp_max_msf = 10\n"});
-    EXPECT_EQ(settings.forcedVersion, 2u);
-    EXPECT_EQ(settings.maximumMemberships, 20u);
-}
-
-TEST(KernelSettingsTest, WithoutTheKeysBothAreZero) {
-    for (const Lines& lines : {Lines{}, Lines{"net.ipv4.igmp_qrv = 2\n", "\n", "= = 3"}}) {
+    const struct {
+        Lines lines;
+        std::uint32_t version, memberships;
+    } rows[] = {
+        {{"net.ipv4.conf.all.force_igmp_version = 7\n", kVersionKey + " = 2\n",
+          "net.ipv4.conf.eth0.force_igmp_version = 3\n", kMembershipsKey + " = 20\n",
+          "net.ipv4.igmp_max_msf = 10\n"},
+         2,
+         20},
+        {{}, 0, 0},
+        {{"net.ipv4.igmp_qrv = 2\n", "\n", "= = 3", std::string("\0\xff=\x80", 4)}, 0, 0},
+        {{"sysctl: " + kVersionKey + "=3"}, 3, 0},  // wherever the key stands
+        {{kMembershipsKey + " " + kVersionKey + " = 3"},
+         3,
+         0},  // a line with both is the version's
+        {{"==" + kMembershipsKey + "=30=40"}, 0, 30},
+    };
+    for (const auto& [lines, version, memberships] : rows) {
         const auto settings = TR::Igmp::kernelSettings(lines);
-        EXPECT_EQ(settings.forcedVersion, 0u);
-        EXPECT_EQ(settings.maximumMemberships, 0u);
+        EXPECT_EQ(settings.forcedVersion, version) << ::testing::PrintToString(lines);
+        EXPECT_EQ(settings.maximumMemberships, memberships) << ::testing::PrintToString(lines);
     }
 }
 
-TEST(KernelSettingsTest, AKeyCountsWhereverItStandsInTheLine) {
-    EXPECT_EQ(TR::Igmp::kernelSettings({"sysctl: " + kVersionKey + "=3"}).forcedVersion, 3u);
-}
-
-TEST(KernelSettingsTest, ALineWithBothKeysIsTheVersions) {
-    const auto settings = TR::Igmp::kernelSettings({kMembershipsKey + " " + kVersionKey + " = 3"});
-    EXPECT_EQ(settings.forcedVersion, 3u);
-    EXPECT_EQ(settings.maximumMemberships, 0u);
-}
-
-TEST(KernelSettingsTest, TheLastOfARepeatedKeyWins) {
-    EXPECT_EQ(memberships(" = 30\n"), 30u);
-}
-
-TEST(KernelSettingsTest, ALineWithoutASecondFieldLeavesTheValue) {
-    for (const char* rest : {"\n", " 30\n", " =", "==="}) EXPECT_EQ(memberships(rest), 20u) << rest;
-}
-
-TEST(KernelSettingsTest, ABlankSecondFieldLeavesTheValue) {
-    for (const char* rest : {" = \n", "= \t", " = =30"}) EXPECT_EQ(memberships(rest), 20u) << rest;
-}
-
-TEST(KernelSettingsTest, ARunOfEqualsSignsSeparatesOnce) {
-    EXPECT_EQ(memberships(" === 30"), 30u);
-    EXPECT_EQ(TR::Igmp::kernelSettings({"==" + kMembershipsKey + "=30=40"}).maximumMemberships,
-              30u);
-}
-
-TEST(KernelSettingsTest, ASecondFieldWithoutANumberReadsAsZero) {
-    EXPECT_EQ(memberships(" = many\n"), 0u);
-}
-
-TEST(KernelSettingsTest, WhatFollowsTheNumberIsIgnored) {
-    EXPECT_EQ(memberships(" = 30 groups\n"), 30u);
-}
-
-TEST(KernelSettingsTest, ANumberThatIsTooBigReadsAsTheBiggest) {
-    EXPECT_EQ(memberships(" = 99999999999999999999\n"), std::numeric_limits<std::uint32_t>::max());
-}
-
-TEST(KernelSettingsTest, InvalidUtf8DoesNoHarm) {
-    EXPECT_EQ(memberships(std::string(" = \xff\xfe\0 30", 8)), 0u);
-    EXPECT_EQ(TR::Igmp::kernelSettings({std::string("\0\xff=\x80", 4)}).maximumMemberships, 0u);
+// Of a key that is repeated the last line with a second field counts.
+TEST(KernelSettingsTest, TheSecondFieldIsTheNumber) {
+    const std::pair<std::string, std::uint32_t> rows[] = {
+        {" = 30\n", 30},
+        {" === 30", 30},
+        {" = 30 groups\n", 30},
+        {" = many\n", 0},
+        {std::string(" = \xff\xfe\0 30", 8), 0},
+        {" = 99999999999999999999\n", std::numeric_limits<std::uint32_t>::max()},
+        {"\n", 20},
+        {" 30\n", 20},
+        {" =", 20},
+        {"===", 20},
+        {" = \n", 20},
+        {"= \t", 20},
+        {" = =30", 20},
+    };
+    for (const auto& [rest, number] : rows)
+        EXPECT_EQ(TR::Igmp::kernelSettings({kMembershipsKey + " = 20\n", kMembershipsKey + rest})
+                      .maximumMemberships,
+                  number)
+            << rest;
 }
 
 std::string udp(const std::string& local) {
     return "udp        0      0 " + local + "     0.0.0.0:*                           \n";
-}
-
-TEST(GroupAddressesTest, ASocketBoundToAGroupAddsIt) {
-    EXPECT_EQ(TR::Igmp::groupAddresses({udp("239.255.0.1:1234")}), Addresses{"239.255.0.1"});
-}
-
-TEST(GroupAddressesTest, TwoSocketsOnOneAddressMakeOneGroup) {
-    EXPECT_EQ(TR::Igmp::groupAddresses({udp("239.255.0.1:1234"), udp("239.255.0.1:1235")}),
-              Addresses{"239.255.0.1"});
 }
 
 TEST(GroupAddressesTest, TheRangeIsThatOfTheMulticastAddresses) {
@@ -112,33 +86,21 @@ TEST(GroupAddressesTest, EveryOctetIsMatchedInAllItsValues) {
     }
 }
 
-TEST(GroupAddressesTest, ATcpLineIsIgnored) {
-    EXPECT_EQ(TR::Igmp::groupAddresses({"tcp        0      0 239.255.0.1:80      0.0.0.0:*\n"}),
-              Addresses{});
-}
-
-TEST(GroupAddressesTest, AMappedAddressInALineOfAnIpv6SocketCounts) {
-    EXPECT_EQ(TR::Igmp::groupAddresses({"udp6       0      0 ::ffff:239.255.0.1:1234  :::*\n"}),
-              Addresses{"239.255.0.1"});
-}
-
-TEST(GroupAddressesTest, TheFirstGroupOfALineCounts) {
-    EXPECT_EQ(TR::Igmp::groupAddresses({"udp 0 0 192.168.1.20:99 239.0.0.2:1234 239.0.0.3:1 \n"}),
-              Addresses{"239.0.0.2"});
-}
-
-TEST(GroupAddressesTest, AnAddressWithoutItsFourOctetsIsIgnored) {
-    for (const char* broken : {"239.255.0:1234", "239", "239.255.0.:1234", "239,255,0,1:1234"})
-        EXPECT_EQ(TR::Igmp::groupAddresses({udp(broken)}), Addresses{}) << broken;
-}
-
-TEST(GroupAddressesTest, HeadingsEmptyLinesAndGarbageAddNothing) {
-    EXPECT_EQ(TR::Igmp::groupAddresses({}), Addresses{});
-    EXPECT_EQ(TR::Igmp::groupAddresses(
-                  {"Active Internet connections (servers and established)\n",
-                   "Proto Recv-Q Send-Q Local Address           Foreign Address         State\n",
-                   "", "\n", "udp", std::string("\xff\xfe\0udp\x80", 7), std::string(100000, 'u')}),
-              Addresses{});
+TEST(GroupAddressesTest, EachUdpLineAddsItsFirstGroup) {
+    const std::pair<Lines, Addresses> rows[] = {
+        {{udp("239.255.0.1:1234"), udp("239.255.0.1:1235")}, {"239.255.0.1"}},
+        {{"tcp        0      0 239.255.0.1:80      0.0.0.0:*\n"}, {}},
+        {{"udp6       0      0 ::ffff:239.255.0.1:1234  :::*\n"}, {"239.255.0.1"}},
+        {{"udp 0 0 192.168.1.20:99 239.0.0.2:1234 239.0.0.3:1 \n"}, {"239.0.0.2"}},
+        {{udp("239.255.0:1234"), udp("239"), udp("239.255.0.:1234"), udp("239,255,0,1:1234")}, {}},
+        {{}, {}},
+        {{"Active Internet connections (servers and established)\n",
+          "Proto Recv-Q Send-Q Local Address           Foreign Address         State\n", "", "\n",
+          "udp", std::string("\xff\xfe\0udp\x80", 7), std::string(100000, 'u')},
+         {}},
+    };
+    for (const auto& [lines, groups] : rows)
+        EXPECT_EQ(TR::Igmp::groupAddresses(lines), groups) << lines.size();
 }
 
 }  // namespace

@@ -19,34 +19,26 @@ std::string printed(const Printable& printable) {
     return stream.str();
 }
 
-TEST(NetworkInterfaceTest, EveryStatusHasItsText) {
+TEST(NetworkInterfaceTest, EveryStatusAndDuplexModeHasItsText) {
     EXPECT_STREQ(Interface::statusToString(Status::Up), "Up");
     EXPECT_STREQ(Interface::statusToString(Status::Down), "Down");
     EXPECT_STREQ(Interface::statusToString(Status::Dormant), "Dormant");
     EXPECT_STREQ(Interface::statusToString(Status::NotPresent), "NotPresent");
     EXPECT_STREQ(Interface::statusToString(Status::LowerLayerDown), "LowerLayerDown");
     EXPECT_STREQ(Interface::statusToString(Status::Error), "Error");
-}
-
-TEST(NetworkInterfaceTest, EveryDuplexModeHasItsText) {
     EXPECT_STREQ(Interface::duplexModeToString(DuplexMode::Auto), "Auto");
     EXPECT_STREQ(Interface::duplexModeToString(DuplexMode::Full), "Full");
     EXPECT_STREQ(Interface::duplexModeToString(DuplexMode::Half), "Half");
 }
 
-TEST(NetworkInterfaceTest, ANewOneHasItsDefaultAliasAndCountsAsChangedNow) {
+TEST(NetworkInterfaceTest, ANewOneHasItsDefaultAliasAndAChangeOfStatusItsMoment) {
     const NSTime before = NSTime::nowRelative();
-    const Interface interface("wlan1");
+    Interface interface("wlan1");
     EXPECT_EQ(interface.name, "wlan1");
     EXPECT_EQ(interface.alias, "cpe-wlan1");
     EXPECT_GE(interface.lastChange, before);
     EXPECT_LE(interface.lastChange, NSTime::nowRelative());
-}
-
-TEST(NetworkInterfaceTest, AChangeOfStatusTakesTheMonotonicTime) {
-    Interface interface("eth0");
     interface.lastChange = 0;
-    const NSTime before = NSTime::nowRelative();
     interface.changeStatus(Status::Dormant);
     EXPECT_EQ(interface.status, Status::Dormant);
     EXPECT_GE(interface.lastChange, before);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -21,17 +22,13 @@ Interface::WiFiStatus statusOf(const std::string& output) {
     return TR::NetworkText::wiFiStatus(splitLines(output, LineFeeds::Keep));
 }
 
-std::string ssidOf(const std::string& line) {
-    return statusOf("Connected to 9c:3d:cf:12:ab:ef (on wlan0)\n" + line + "\n\tfreq: 5180\n").ssid;
+/// Name, address, frequency, signal and bit rate.
+std::string shown(const Interface::WiFiStatus& status) {
+    return status.ssid + "|" + status.bssid + "|" + std::to_string(status.frequency) + "|" +
+           std::to_string(status.signal) + "|" + std::to_string(status.bitRate);
 }
 
-void expectNoLink(const Interface::WiFiStatus& status) {
-    EXPECT_EQ(status.ssid, "");
-    EXPECT_EQ(status.bssid, "");
-    EXPECT_EQ(status.frequency, 0);
-    EXPECT_EQ(status.signal, 0);
-    EXPECT_EQ(status.bitRate, 0);
-}
+using Rows = std::vector<std::pair<std::string, std::string>>;
 
 TEST(WiFiConfigTest, ReadsItsThreeKeys) {
     const auto config = configOf(
@@ -43,149 +40,89 @@ TEST(WiFiConfigTest, ReadsItsThreeKeys) {
     EXPECT_EQ(config.wepPassphrase, "0123456789");
 }
 
-TEST(WiFiConfigTest, AMissingFileOrKeyLeavesEmptyTexts) {
-    EXPECT_EQ(configOf("").ssid, "");
+TEST(WiFiConfigTest, AMissingKeyLeavesAnEmptyText) {
     const auto config = configOf("wifi_ssid=only\nwifi_channel=11\n");
-    EXPECT_EQ(config.wpaPassphrase, "");
-    EXPECT_EQ(config.wepPassphrase, "");
+    EXPECT_EQ(config.wpaPassphrase + config.wepPassphrase, "");
 }
 
-TEST(WiFiConfigTest, KeysCountInAnyCaseAndWithWhiteSpaceRoundThem) {
-    EXPECT_EQ(configOf(" \tWIFI_SSID \t=Home\n").ssid, "Home");
-}
-
-TEST(WiFiConfigTest, TheValueIsEverythingBehindTheEqualsSign) {
-    EXPECT_EQ(configOf("wifi_wpa_passphrase= two  words \t\n").wpaPassphrase, " two  words \t");
-    EXPECT_EQ(configOf("wifi_wpa_passphrase \t= \n").wpaPassphrase, " ");
-    EXPECT_EQ(configOf("wifi_wep_passphrase==\r\n").wepPassphrase, "=\r");
-}
-
-TEST(WiFiConfigTest, QuotesStayAsTheyAre) {
-    EXPECT_EQ(configOf("wifi_ssid=\"Home\"\n").ssid, "\"Home\"");
-    EXPECT_EQ(configOf("wifi_ssid='Home\n").ssid, "'Home");
-}
-
-TEST(WiFiConfigTest, CommentsAreSkipped) {
-    EXPECT_EQ(configOf("wifi_ssid=Home\n#wifi_ssid=Old\n # wifi_ssid=Older\n").ssid, "Home");
-}
-
-TEST(WiFiConfigTest, AHashInsideAValueStays) {
-    EXPECT_EQ(configOf("wifi_wpa_passphrase=a#b #c\n").wpaPassphrase, "a#b #c");
-}
-
-TEST(WiFiConfigTest, LinesWithoutAnEqualsSignAreSkipped) {
-    EXPECT_EQ(configOf("\nwifi_ssid\nwifi_ssid: Home\n   \n").ssid, "");
-    EXPECT_EQ(configOf("wifi_ssid=Home\nwifi_ssid\n").ssid, "Home");
-}
-
-TEST(WiFiConfigTest, TheLastOfARepeatedKeyWins) {
-    EXPECT_EQ(configOf("wifi_ssid=first\nwifi_ssid=second\n").ssid, "second");
-    EXPECT_EQ(configOf("wifi_ssid=first\nwifi_ssid=\n").ssid, "");
-}
-
-TEST(WiFiConfigTest, ALastLineWithoutALineFeedCounts) {
-    EXPECT_EQ(configOf("wifi_ssid=Home").ssid, "Home");
-}
-
-TEST(WiFiConfigTest, AnyBytesMayStandInAValue) {
-    EXPECT_EQ(configOf("wifi_ssid=\xff\xfe\x01\n").ssid, "\xff\xfe\x01");
-    EXPECT_EQ(configOf("wifi_ssid=a\0b\n"s).ssid, "a\0b"s);
+// The last line with the key and an equals sign counts, with everything behind the sign.
+TEST(WiFiConfigTest, TheNameIsWhatStandsBehindTheEqualsSign) {
+    const Rows rows = {
+        {"", ""},
+        {" \tWIFI_SSID \t=Home\n", "Home"},
+        {"wifi_ssid=Home", "Home"},
+        {"wifi_ssid= two  words \t\n", " two  words \t"},
+        {"wifi_ssid \t= \n", " "},
+        {"wifi_ssid==\r\n", "=\r"},
+        {"wifi_ssid=\"Home\"\n", "\"Home\""},
+        {"wifi_ssid='Home\n", "'Home"},
+        {"wifi_ssid=a#b #c\n", "a#b #c"},
+        {"wifi_ssid=Home\n#wifi_ssid=Old\n # wifi_ssid=Older\n", "Home"},
+        {"\nwifi_ssid\nwifi_ssid: Home\n   \n", ""},
+        {"wifi_ssid=Home\nwifi_ssid\n", "Home"},
+        {"wifi_ssid=first\nwifi_ssid=second\n", "second"},
+        {"wifi_ssid=first\nwifi_ssid=\n", ""},
+        {"wifi_ssid=\xff\xfe\x01\n", "\xff\xfe\x01"},
+        {"wifi_ssid=a\0b\n"s, "a\0b"s},
+    };
+    for (const auto& [file, name] : rows) EXPECT_EQ(configOf(file).ssid, name) << file;
 }
 
 TEST(WiFiStatusTest, ReadsALink) {
-    const auto status = statusOf(
-        "Connected to 9c:3d:cf:12:ab:ef (on wlan0)\n"
-        "\tSSID: Kelm Home\n"
-        "\tfreq: 5180\n"
-        "\tRX: 1873642 bytes (9214 packets)\n"
-        "\tTX: 214573 bytes (1398 packets)\n"
-        "\tsignal: -45 dBm\n"
-        "\trx bitrate: 866.7 MBit/s VHT-MCS 9 80MHz short GI VHT-NSS 2\n"
-        "\ttx bitrate: 780.0 MBit/s VHT-MCS 8 80MHz short GI VHT-NSS 2\n"
-        "\n"
-        "\tbss flags:\tshort-slot-time\n"
-        "\tdtim period:\t1\n"
-        "\tbeacon int:\t100\n");
-    EXPECT_EQ(status.ssid, "Kelm Home");
-    EXPECT_EQ(status.bssid, "9C:3D:CF:12:AB:EF");
-    EXPECT_EQ(status.frequency, 5180);
-    EXPECT_EQ(status.signal, -45);
-    EXPECT_EQ(status.bitRate, 780);
+    EXPECT_EQ(shown(statusOf("Connected to 9c:3d:cf:12:ab:ef (on wlan0)\n"
+                             "\tSSID: Kelm Home\n"
+                             "\tfreq: 5180\n"
+                             "\tRX: 1873642 bytes (9214 packets)\n"
+                             "\tTX: 214573 bytes (1398 packets)\n"
+                             "\tsignal: -45 dBm\n"
+                             "\trx bitrate: 866.7 MBit/s VHT-MCS 9 80MHz short GI VHT-NSS 2\n"
+                             "\ttx bitrate: 780.0 MBit/s VHT-MCS 8 80MHz short GI VHT-NSS 2\n"
+                             "\n"
+                             "\tbss flags:\tshort-slot-time\n"
+                             "\tdtim period:\t1\n"
+                             "\tbeacon int:\t100\n")),
+              "Kelm Home|9C:3D:CF:12:AB:EF|5180|-45|780");
 }
 
-TEST(WiFiStatusTest, NotConnectedIsEmptyAndZero) {
-    expectNoLink(statusOf("Not connected.\n"));
-    expectNoLink(statusOf(""));
+TEST(WiFiStatusTest, WhatIsNotALinkIsEmptyAndZero) {
+    for (const std::string& output :
+         {"Not connected.\n"s, ""s, "\xff\xfe\x01\0\xc3(\x80kB\r\n\0=\xed\xa0\x80: \n:\n::\n"s,
+          "\tfreq: high\n\ttx bitrate: (unknown)\n"s, "\trx bitrate: 866.7 MBit/s\n"s,
+          "\tfreq: -5180\n\ttx bitrate: -1.0 MBit/s\n"s})
+        EXPECT_EQ(shown(statusOf(output)), "||0|0|0") << output;
+    EXPECT_EQ(statusOf("\tsignal: -99999999999999999999 dBm\n").signal, 0);
 }
 
-TEST(WiFiStatusTest, FractionsAreCutOff) {
-    EXPECT_EQ(statusOf("\tfreq: 5180.0\n").frequency, 5180);
-    EXPECT_EQ(statusOf("\ttx bitrate: 866.7 MBit/s\n").bitRate, 866);
-    EXPECT_EQ(statusOf("\tsignal: -45.9 dBm\n").signal, -45);
+TEST(WiFiStatusTest, FractionsAreCutOffAndTheFirstNumberCounts) {
+    const Rows rows = {
+        {"\tfreq: 5180.0\n", "||5180|0|0"},     {"\ttx bitrate: 866.7 MBit/s\n", "||0|0|866"},
+        {"\tsignal: -45.9 dBm\n", "||0|-45|0"}, {"\tsignal: -67 [-70, -71] dBm\n", "||0|-67|0"},
+        {"\tsignal: 3 dBm\n", "||0|3|0"},
+    };
+    for (const auto& [line, figures] : rows) EXPECT_EQ(shown(statusOf(line)), figures);
 }
 
-TEST(WiFiStatusTest, TheSignalKeepsItsSignAndItsFirstNumberCounts) {
-    EXPECT_EQ(statusOf("\tsignal: -67 [-70, -71] dBm\n").signal, -67);
-    EXPECT_EQ(statusOf("\tsignal: 3 dBm\n").signal, 3);
+TEST(WiFiStatusTest, ANetworkMayHaveAnyNameAndItMayLookLikeAnotherLine) {
+    const Rows rows = {
+        {" Home: the second: one", "Home: the second: one"},
+        {" SSID: nested", "SSID: nested"},
+        {"   two before, three after   ", "  two before, three after   "},
+        {"  ", " "},
+        {R"( \x00\x00caf\xc3\xa9\x20)", R"(\x00\x00caf\xc3\xa9\x20)"},
+        {" signal: -1 dBm", "signal: -1 dBm"},
+        {" Not connected.", "Not connected."},
+        {" 00:11:22:33:44:55", "00:11:22:33:44:55"},
+        {" ", ""},
+        {"", ""},
+    };
+    for (const auto& [printed, name] : rows)
+        EXPECT_EQ(shown(statusOf("Connected to 9c:3d:cf:12:ab:ef (on wlan0)\n\tSSID:" + printed +
+                                 "\n\tsignal: -45 dBm\n")),
+                  name + "|9C:3D:CF:12:AB:EF|0|-45|0");
 }
 
-TEST(WiFiStatusTest, AFrequencyOrBitRateIsNeverNegative) {
-    EXPECT_EQ(statusOf("\tfreq: -5180\n").frequency, 0);
-    EXPECT_EQ(statusOf("\ttx bitrate: -1.0 MBit/s\n").bitRate, 0);
-}
-
-TEST(WiFiStatusTest, AnythingButANumberIsZero) {
-    const auto status =
-        statusOf("\tfreq: high\n\tsignal: -99999999999999999999 dBm\n\ttx bitrate: (unknown)\n");
-    EXPECT_EQ(status.frequency, 0);
-    EXPECT_EQ(status.signal, 0);
-    EXPECT_EQ(status.bitRate, 0);
-}
-
-TEST(WiFiStatusTest, TheReceiveRateIsNotTheBitRate) {
-    EXPECT_EQ(statusOf("\trx bitrate: 866.7 MBit/s\n").bitRate, 0);
-}
-
-TEST(WiFiStatusTest, AnSsidMayHoldColons) {
-    EXPECT_EQ(ssidOf("\tSSID: Home: the second: one"), "Home: the second: one");
-    EXPECT_EQ(ssidOf("\tSSID: SSID: nested"), "SSID: nested");
-}
-
-TEST(WiFiStatusTest, AnSsidMayHaveBlanksAtItsEnds) {
-    EXPECT_EQ(ssidOf("\tSSID:   two before, three after   "), "  two before, three after   ");
-    EXPECT_EQ(ssidOf("\tSSID:  "), " ");
-}
-
-TEST(WiFiStatusTest, AnSsidKeepsTheToolsEscapes) {
-    EXPECT_EQ(ssidOf(R"(	SSID: \x00\x00caf\xc3\xa9\x20)"), R"(\x00\x00caf\xc3\xa9\x20)");
-}
-
-TEST(WiFiStatusTest, AnSsidMayLookLikeAnotherLine) {
-    const auto status = statusOf("\tSSID: signal: -1 dBm\n\tsignal: -45 dBm\n");
-    EXPECT_EQ(status.ssid, "signal: -1 dBm");
-    EXPECT_EQ(status.signal, -45);
-    EXPECT_EQ(ssidOf("\tSSID: Not connected."), "Not connected.");
-}
-
-TEST(WiFiStatusTest, AHiddenNetworkHasAnEmptySsid) {
-    EXPECT_EQ(ssidOf("\tSSID: "), "");
-    EXPECT_EQ(ssidOf("\tSSID:"), "");
-}
-
-TEST(WiFiStatusTest, TheBssidIsTheFirstThatLooksLikeOne) {
-    EXPECT_EQ(ssidOf("\tSSID: 00:11:22:33:44:55"), "00:11:22:33:44:55");
-    const auto status = statusOf(
-        "Connected to 9c:3d:cf:12:ab:ef (on wlan0)\n"
-        "\tSSID: 00:11:22:33:44:55\n");
-    EXPECT_EQ(status.bssid, "9C:3D:CF:12:AB:EF");
+TEST(WiFiStatusTest, AnAddressMayLackItsColonsAndALineItsLineFeed) {
     EXPECT_EQ(statusOf("Connected to 9c3dcf12abef (on wlan0)\n").bssid, "9C3DCF12ABEF");
-}
-
-TEST(WiFiStatusTest, GarbageLeavesNoLink) {
-    expectNoLink(statusOf("\xff\xfe\x01\0\xc3(\x80kB\r\n\0=\xed\xa0\x80: \n:\n::\n"s));
-}
-
-TEST(WiFiStatusTest, LinesMayComeWithoutTheirLineFeeds) {
     EXPECT_EQ(TR::NetworkText::wiFiStatus({"\tSSID: Home", "\tfreq: 2412"}).ssid, "Home");
 }
 

@@ -1,5 +1,5 @@
-#include "model/Storage.h"
 #include "providers/StaticDataProvider.h"
+#include "tests/support/StoreTest.h"
 
 #include <gtest/gtest.h>
 
@@ -27,11 +27,10 @@ constexpr FileParameter kFileParameters[] = {
     {"SyslogHost", "/var/kelm/syslog_host"},
 };
 
-class StaticDataProviderTest : public ::testing::Test {
+class StaticDataProviderTest : public StoreTest {
   protected:
     Value& at(const std::string& name) { return storage_[Address(kService + name)]; }
 
-    TR::Storage storage_;
     TR::StaticDataProvider provider_{&storage_};
 };
 

@@ -1,15 +1,19 @@
 #include "stb/src/common/SystemTexts.h"
+#include "tests/support/Box.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <string>
 
 #include <unistd.h>
 
 namespace {
+
+using Text = std::unique_ptr<char, void (*)(void*)>;
 
 class GetLogsTest : public testing::Test {
   protected:
@@ -23,39 +27,23 @@ class GetLogsTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(GetLogsTest, WithOnlyTheCurrentLogItIsReturnedAsItStands) {
-    std::ofstream("/tmp/syslog") << "only line\n";
-    char* const logs = TR::getLogs();
-    EXPECT_STREQ(logs, "only line\n");
-    std::free(logs);
-}
-
-TEST_F(GetLogsTest, ARotatedLogComesBeforeTheCurrentOne) {
-    std::ofstream("/tmp/syslog") << "new\n";
-    std::ofstream("/tmp/syslog.0") << "old\n";
-    char* const logs = TR::getLogs();
-    EXPECT_STREQ(logs, "old\nnew\n");
-    std::free(logs);
-}
-
-TEST_F(GetLogsTest, TheLengthCountsWhatIsBehindANul) {
-    std::ofstream("/tmp/syslog") << std::string("a\0b", 3);
+TEST_F(GetLogsTest, ARotatedLogComesBeforeTheCurrentOneAndTheLengthCountsNuls) {
+    box::writeFile("/tmp/syslog", std::string("new\0b", 5));
+    box::writeFile("/tmp/syslog.0", "old\n");
     std::size_t length = 0;
-    char* const logs = TR::getLogs(length);
-    EXPECT_EQ(std::string(logs, length), std::string("a\0b", 3));
-    std::free(logs);
+    const Text counted(TR::getLogs(length), &std::free);
+    EXPECT_EQ(std::string(counted.get(), length), std::string("old\nnew\0b", 9));
+    EXPECT_STREQ(Text(TR::getLogs(), &std::free).get(), "old\nnew");
 }
 
 // The box has file systems that know where their holes are.
 TEST_F(GetLogsTest, AHoleInFrontOfTheTextIsSkipped) {
-    std::ofstream("/tmp/syslog.0") << "old\n";
+    box::writeFile("/tmp/syslog.0", "old\n");
     ASSERT_EQ(truncate("/tmp/syslog.0", off_t{1} << 30), 0);
-    std::ofstream("/tmp/syslog").close();
+    box::writeFile("/tmp/syslog", "");
     ASSERT_EQ(truncate("/tmp/syslog", off_t{32} << 20), 0);
     std::ofstream("/tmp/syslog", std::ios::app) << "new\n";
-    char* const logs = TR::getLogs();
-    EXPECT_STREQ(logs, "new\n");
-    std::free(logs);
+    EXPECT_STREQ(Text(TR::getLogs(), &std::free).get(), "new\n");
 }
 
 TEST_F(GetLogsTest, WithoutAnyLogThereIsNoText) {

@@ -1,5 +1,5 @@
 #include "stb/src/common/SystemTexts.h"
-#include "tests/unit/stb/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -31,18 +31,12 @@ class LogFilesTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(LogFilesTest, WithoutAnyFileThereIsNoText) {
+TEST_F(LogFilesTest, WithoutAnyFileThereIsNoTextAndTheCurrentLogIsReturnedAsItStands) {
     EXPECT_EQ(joined(), std::nullopt);
-}
-
-TEST_F(LogFilesTest, TheCurrentLogAloneIsReturnedAsItStands) {
-    folder_.write("syslog", "a line\nhalf a li");
-    EXPECT_EQ(joined(), "a line\nhalf a li");
-}
-
-TEST_F(LogFilesTest, AnEmptyLogGivesTheEmptyText) {
-    folder_.write("syslog", "");
-    EXPECT_EQ(joined(), "");
+    for (const char* log : {"", "a line\nhalf a li"}) {
+        folder_.write("syslog", log);
+        EXPECT_EQ(joined(), log);
+    }
 }
 
 TEST_F(LogFilesTest, RotatedFilesComeOldestFirst) {
@@ -64,17 +58,9 @@ TEST_F(LogFilesTest, FoldersAndFifosAreSkipped) {
     EXPECT_EQ(joined(), "file");
 }
 
-TEST_F(LogFilesTest, MegabytesAreReadWhole) {
-    const std::string old(3000000, 'o');
-    const std::string current(2000000, 'c');
-    folder_.write("syslog.0", old);
-    folder_.write("syslog", current);
-    EXPECT_EQ(joined(), old + current);
-}
-
-TEST_F(LogFilesTest, BytesOfEveryValueAreKept) {
-    const std::string old("a\0b\n", 4);
-    const std::string current("\0c\xff\0", 4);
+TEST_F(LogFilesTest, MegabytesAndBytesOfEveryValueAreReadWhole) {
+    const std::string old = std::string(3000000, 'o') + std::string("a\0b\n", 4);
+    const std::string current = std::string("\0c\xff\0", 4) + std::string(2000000, 'c');
     folder_.write("syslog.0", old);
     folder_.write("syslog", current);
     EXPECT_EQ(joined(), old + current);

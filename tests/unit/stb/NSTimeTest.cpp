@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <ctime>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -17,26 +18,25 @@ NSTime atSeconds(std::int64_t seconds) {
 
 }  // namespace
 
-TEST(NSTimeTest, TheDefaultIsZero) {
+TEST(NSTimeTest, DumpShowsLocalTimeWithMillisecondsAndEMPTYForZero) {
     EXPECT_EQ(NSTime().toInt64(), 0);
-}
-
-TEST(NSTimeTest, ZeroDumpsAsEMPTY) {
-    EXPECT_EQ(NSTime().dump(), "EMPTY");
-}
-
-TEST(NSTimeTest, DumpShowsLocalTimeWithMilliseconds) {
-    const TimeZone zone(kUtc);
-    NSTime time = atSeconds(1580472005);
-    time += 42999;
-    EXPECT_EQ(time.dump(), "2020-01-31 12:00:05.042");
-    EXPECT_EQ(NSTime(1).dump(), "1970-01-01 00:00:00.000");
-}
-
-TEST(NSTimeTest, CalendarTextsFollowTheTimeZone) {
-    const TimeZone zone(kCentralEurope);
-    EXPECT_EQ(atSeconds(1580472005).dump(), "2020-01-31 13:00:05.000");
-    EXPECT_EQ(atSeconds(1593604805).toString("%H:%M:%S"), "14:00:05");
+    const struct {
+        const char* zone;
+        NSTime time;
+        const char* text;
+    } rows[] = {
+        {kUtc, NSTime(), "EMPTY"},
+        {kUtc, atSeconds(1580472005) + 42999, "2020-01-31 12:00:05.042"},
+        {kUtc, 1, "1970-01-01 00:00:00.000"},
+        {kCentralEurope, atSeconds(1580472005), "2020-01-31 13:00:05.000"},
+        {kCentralEurope, atSeconds(1593604805), "2020-07-01 14:00:05.000"},
+        {kUtc, atSeconds(2147483648), "2038-01-19 03:14:08.000"},
+        {kUtc, atSeconds(4102444800), "2100-01-01 00:00:00.000"},
+    };
+    for (const auto& [name, time, text] : rows) {
+        const TimeZone zone(name);
+        EXPECT_EQ(time.dump(), text);
+    }
 }
 
 TEST(NSTimeTest, CalendarTextsNoticeAChangedTimeZone) {
@@ -46,33 +46,20 @@ TEST(NSTimeTest, CalendarTextsNoticeAChangedTimeZone) {
     EXPECT_EQ(atSeconds(60).toString("%H:%M"), "01:01");
 }
 
-TEST(NSTimeTest, TimesBeyond2038And2100AreWhole) {
-    const TimeZone zone(kUtc);
-    EXPECT_EQ(atSeconds(2147483648).dump(), "2038-01-19 03:14:08.000");
-    EXPECT_EQ(atSeconds(4102444800).dump(), "2100-01-01 00:00:00.000");
-    EXPECT_EQ(atSeconds(4294967296).toTimeT(), 4294967296);
-}
-
 TEST(NSTimeTest, TheLastTimeStillHasAText) {
     const NSTime last = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(last.toTimeT(), std::numeric_limits<std::int64_t>::max() / kSecond);
     EXPECT_FALSE(last.dump().empty());  // 292,277 years fit a tm
 }
 
-TEST(NSTimeTest, ToStringFormatsByStrftime) {
+// Its buffer has five bytes for each of the format: "%F" needs 11 of 10, "%F " 12 of 15.
+TEST(NSTimeTest, ToStringFormatsByStrftimeAndGivesTheEmptyTextBeyondItsBuffer) {
     const TimeZone zone(kUtc);
     EXPECT_EQ(atSeconds(1580472005).toString("%Y-%m-%dT%H:%M:%SZ"), "2020-01-31T12:00:05Z");
     EXPECT_EQ(atSeconds(0).toString("at %Y"), "at 1970");
-}
-
-TEST(NSTimeTest, AnEmptyFormatGivesTheEmptyText) {
     EXPECT_EQ(NSTime(1).toString(""), "");
-}
-
-TEST(NSTimeTest, AnExpansionBeyondItsBufferGivesTheEmptyText) {
-    const TimeZone zone(kUtc);
-    EXPECT_EQ(NSTime(1).toString("%F"), "");              // 10 characters and a NUL in 10 bytes
-    EXPECT_EQ(NSTime(1).toString("%F "), "1970-01-01 ");  // 12 in 15
+    EXPECT_EQ(NSTime(1).toString("%F"), "");
+    EXPECT_EQ(NSTime(1).toString("%F "), "1970-01-01 ");
 }
 
 TEST(NSTimeTest, NowIsTheWallClock) {
@@ -148,6 +135,7 @@ TEST(NSTimeTest, WholeSecondsAreTruncated) {
     EXPECT_EQ(NSTime(4999999).toTimeT(), 4);
     EXPECT_EQ(NSTime(5000000).toTimeT(), 5);
     EXPECT_EQ(NSTime(-4999999).toTimeT(), -4);
+    EXPECT_EQ(atSeconds(4294967296).toTimeT(), 4294967296);
 }
 
 TEST(NSTimeTest, ANegativeTimeHasNegativeMicroseconds) {
@@ -156,31 +144,20 @@ TEST(NSTimeTest, ANegativeTimeHasNegativeMicroseconds) {
     EXPECT_EQ(value.tv_usec, -500000);
 }
 
-TEST(NSTimeTest, AZeroIntervalIsZero) {
-    EXPECT_EQ(NSTime().printInterval(), "0");
-}
-
-TEST(NSTimeTest, IntervalsShowEveryPartThatIsNotZero) {
-    EXPECT_EQ(NSTime(1000000).printInterval(), "1second");
-    EXPECT_EQ(NSTime(120000000).printInterval(), "2minutes");
-    EXPECT_EQ(NSTime(1001000).printInterval(), "1second, 1ms");
-    EXPECT_EQ(NSTime(93784005000).printInterval(), "1day, 2hours, 3minutes, 4seconds, 5ms");
-    EXPECT_EQ(NSTime(262920000000).printInterval(), "3days, 1hour, 2minutes");
-    EXPECT_EQ(NSTime(86460000000).printInterval(), "1day, 1minute");
-}
-
-TEST(NSTimeTest, MicrosecondsShowOnlyAlone) {
-    EXPECT_EQ(NSTime(500).printInterval(), "500us");
-    EXPECT_EQ(NSTime(1).printInterval(), "1us");
-    EXPECT_EQ(NSTime(1500).printInterval(), "1ms");
-}
-
-TEST(NSTimeTest, ALongIntervalIsWhole) {
-    EXPECT_EQ((atSeconds(4294967296) + 2000).printInterval(),
-              "49710days, 6hours, 28minutes, 16seconds, 2ms");
-}
-
-TEST(NSTimeTest, TheLongestIntervalPrintsItsDays) {
-    EXPECT_EQ(NSTime(std::numeric_limits<std::int64_t>::max()).printInterval(),
-              "106751991days, 4hours, 54seconds, 775ms");
+TEST(NSTimeTest, IntervalsShowEveryPartThatIsNotZeroAndMicrosecondsOnlyAlone) {
+    const std::pair<NSTime, const char*> rows[] = {
+        {0, "0"},
+        {1, "1us"},
+        {500, "500us"},
+        {1500, "1ms"},
+        {1000000, "1second"},
+        {1001000, "1second, 1ms"},
+        {120000000, "2minutes"},
+        {86460000000, "1day, 1minute"},
+        {93784005000, "1day, 2hours, 3minutes, 4seconds, 5ms"},
+        {262920000000, "3days, 1hour, 2minutes"},
+        {atSeconds(4294967296) + 2000, "49710days, 6hours, 28minutes, 16seconds, 2ms"},
+        {std::numeric_limits<std::int64_t>::max(), "106751991days, 4hours, 54seconds, 775ms"},
+    };
+    for (const auto& [interval, text] : rows) EXPECT_EQ(interval.printInterval(), text);
 }

@@ -1,5 +1,5 @@
 #include "stb/src/common/RegularFile.h"
-#include "tests/unit/stb/TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 

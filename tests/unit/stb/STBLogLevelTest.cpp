@@ -4,20 +4,27 @@
 
 #include <string>
 
-namespace {
-
-constexpr STBLogLevel kAll[] = {STBLogLevel::None, STBLogLevel::Error, STBLogLevel::Warn,
-                                STBLogLevel::Info, STBLogLevel::Debug, STBLogLevel::Trace};
-
-}  // namespace
-
-TEST(STBLogLevelTest, LevelsAreNumberedByVerbosity) {
-    for (int value = 0; value < 6; ++value) EXPECT_EQ(static_cast<int>(kAll[value]), value);
-}
-
-TEST(STBLogLevelTest, EveryLevelHasItsName) {
-    const char* const names[] = {"NONE", "ERROR", "WARN", "INFO", "DEBUG", "TRACE"};
-    for (std::size_t i = 0; i < 6; ++i) EXPECT_STREQ(stb_log_level::rowOf(kAll[i]).name, names[i]);
+TEST(STBLogLevelTest, LevelsAreNumberedByVerbosityAndFollowTheTable) {
+    const struct {
+        STBLogLevel level;
+        const char* name;
+        const char* letter;
+        int colourCode, syslogPriority;
+    } rows[] = {
+        {STBLogLevel::None, "NONE", "N", 0, 5},   {STBLogLevel::Error, "ERROR", "E", 31, 3},
+        {STBLogLevel::Warn, "WARN", "W", 33, 4},  {STBLogLevel::Info, "INFO", "I", 34, 6},
+        {STBLogLevel::Debug, "DEBUG", "D", 0, 7}, {STBLogLevel::Trace, "TRACE", "T", 0, 8},
+    };
+    int value = 0;
+    for (const auto& [level, name, letter, colourCode, syslogPriority] : rows) {
+        EXPECT_EQ(static_cast<int>(level), value++);
+        EXPECT_STREQ(stb_log_level::rowOf(level).name, name);
+        EXPECT_STREQ(stb_log_level::rowOf(level).letter, letter);
+        EXPECT_EQ(stb_log_level::rowOf(level).colourCode, colourCode);
+        EXPECT_EQ(stb_log_level::rowOf(level).syslogPriority, syslogPriority);
+    }
+    for (const int other : {-1, 6, 9})
+        EXPECT_EQ(stb_log_level::rowOf(static_cast<STBLogLevel>(other)).syslogPriority, 5);
 }
 
 TEST(STBLogLevelTest, NamesAreReadWithoutRegardToCase) {
@@ -31,21 +38,4 @@ TEST(STBLogLevelTest, NamesAreReadWithoutRegardToCase) {
 TEST(STBLogLevelTest, NoneAndUnknownNamesAreNotLevels) {
     for (const char* text : {"NONE", "none", "", "WARNING", "DEBUG ", "1"})
         EXPECT_FALSE(stb_log_level::fromName(text)) << text;
-}
-
-TEST(STBLogLevelTest, SyslogPrioritiesFollowTheTable) {
-    const int priorities[] = {5, 3, 4, 6, 7, 8};
-    for (std::size_t i = 0; i < 6; ++i)
-        EXPECT_EQ(stb_log_level::rowOf(kAll[i]).syslogPriority, priorities[i]);
-    for (const int other : {-1, 6, 9})
-        EXPECT_EQ(stb_log_level::rowOf(static_cast<STBLogLevel>(other)).syslogPriority, 5);
-}
-
-TEST(STBLogLevelTest, ColoursAndLettersFollowTheTable) {
-    const int codes[] = {0, 31, 33, 34, 0, 0};
-    const char* const letters[] = {"N", "E", "W", "I", "D", "T"};
-    for (std::size_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(stb_log_level::rowOf(kAll[i]).colourCode, codes[i]);
-        EXPECT_STREQ(stb_log_level::rowOf(kAll[i]).letter, letters[i]);
-    }
 }

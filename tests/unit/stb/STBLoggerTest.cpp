@@ -83,62 +83,48 @@ TEST(STBLoggerTest, TheDaemonsRecordIsTheFixedOne) {
     EXPECT_EQ(&params, &kelmLogParams());
 }
 
-TEST(STBLoggerTest, WithoutVariablesTheLevelIsInfo) {
-    EXPECT_EQ(logged({}, logEveryLevel), greeting("INFO") + kErrorLine + kWarnLine + kInfoLine);
+TEST(STBLoggerTest, TheLevelIsInfoUnlessNamedInAnyCase) {
+    const std::string lines = kErrorLine + kWarnLine + kInfoLine;
+    const std::string unknown = "> TIME ERROR [STBLogger] Unknown log level: '";
+    const std::string becomes = "', setting to 'INFO'\n" + greeting("INFO") + lines;
+    const std::pair<Environment, std::string> rows[] = {
+        {{}, greeting("INFO") + lines},
+        {{{"APP_LOG_LEVEL", "debug"}}, greeting("DEBUG") + lines + kDebugLine},
+        {{{"APP_LOG_LEVEL", "Trace"}}, greeting("TRACE") + lines + kDebugLine + kTraceLine},
+        {{{"APP_LOG_LEVEL", "error"}}, kErrorLine},
+        {{{"APP_LOG_LEVEL", "WARN"}}, kErrorLine + kWarnLine},
+        {{{"APP_LOG_LEVEL", "NONE"}}, unknown + "NONE" + becomes},
+        {{{"APP_LOG_LEVEL", "loud"}}, unknown + "loud" + becomes},
+        {{{"APP_LOG_LEVEL", ""}}, unknown + becomes},
+    };
+    for (const auto& [environment, log] : rows) EXPECT_EQ(logged(environment, logEveryLevel), log);
 }
 
 TEST(STBLoggerTest, AnEmptyModuleIsTheBaseNameOfTheFile) {
     const auto log = [] {
         for (const char* file : {"src/common/STBThread", "a.b/Name.cpp", "x.y.cpp", "plain", "d/"})
             STBLogger_log(kApp, "", STBLogLevel::Error, 1, file, "m");
+        logAs(STBLogLevel::Error, "m", "Tuner");
     };
     EXPECT_EQ(logged({}, log), greeting("INFO") +
                                    "> TIME ERROR [STBThread] m\n> TIME ERROR [Name] m\n"
                                    "> TIME ERROR [x.y] m\n> TIME ERROR [plain] m\n"
-                                   "> TIME ERROR m\n");
+                                   "> TIME ERROR m\n> TIME ERROR [Tuner] m\n");
 }
 
-TEST(STBLoggerTest, AGivenModuleIsKept) {
-    const auto log = [] { logAs(STBLogLevel::Error, "m", "Tuner"); };
-    EXPECT_EQ(logged({}, log), greeting("INFO") + "> TIME ERROR [Tuner] m\n");
-}
-
-TEST(STBLoggerTest, LevelNamesAreMatchedWithoutRegardToCase) {
-    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "debug"}}, logEveryLevel),
-              greeting("DEBUG") + kErrorLine + kWarnLine + kInfoLine + kDebugLine);
-    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "Trace"}}, logEveryLevel),
-              greeting("TRACE") + kErrorLine + kWarnLine + kInfoLine + kDebugLine + kTraceLine);
-}
-
-TEST(STBLoggerTest, TheErrorLevelSilencesEvenTheGreeting) {
-    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "error"}}, logEveryLevel), kErrorLine);
-    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "WARN"}}, logEveryLevel), kErrorLine + kWarnLine);
-}
-
-TEST(STBLoggerTest, AnUnknownLevelIsReportedAndBecomesInfo) {
-    for (const std::string text : {"NONE", "loud", ""}) {
-        EXPECT_EQ(logged({{"APP_LOG_LEVEL", text}}, logEveryLevel),
-                  "> TIME ERROR [STBLogger] Unknown log level: '" + text +
-                      "', setting to 'INFO'\n" + greeting("INFO") + kErrorLine + kWarnLine +
-                      kInfoLine);
-    }
-}
-
-TEST(STBLoggerTest, AListedModuleLogsMoreThanTheRest) {
-    const Environment environment{{"APP_LOG_LEVEL", "ERROR"},
-                                  {"APP_LOG_DEBUG_MODULES", "Tuner,STBThread"}};
+TEST(STBLoggerTest, AListedModuleLogsMoreOrLessThanTheRest) {
     const auto log = [] {
         logEveryLevel();
+        logAs(STBLogLevel::Info, "i", "Quiet");
         logAs(STBLogLevel::Debug, "other", "Other");
     };
-    EXPECT_EQ(logged(environment, log), kErrorLine + kWarnLine + kInfoLine + kDebugLine);
-}
-
-TEST(STBLoggerTest, AListedModuleLogsLessThanTheRest) {
-    const auto log = [] { logAs(STBLogLevel::Info, "i", "Quiet"); };
-    EXPECT_EQ(logged({{"APP_LOG_LEVEL", "TRACE"}, {"APP_LOG_WARN_MODULES", "Quiet"}}, log),
+    const Environment more{{"APP_LOG_LEVEL", "ERROR"},
+                           {"APP_LOG_DEBUG_MODULES", "Tuner,STBThread"}};
+    EXPECT_EQ(logged(more, log), kErrorLine + kWarnLine + kInfoLine + kDebugLine);
+    const Environment less{{"APP_LOG_LEVEL", "INFO"}, {"APP_LOG_WARN_MODULES", "Quiet"}};
+    EXPECT_EQ(logged(less, log),
               "> TIME INFO [STBLogger] Setting loglevel for module 'Quiet' to 'WARN'\n" +
-                  greeting("TRACE"));
+                  greeting("INFO") + kErrorLine + kWarnLine + kInfoLine);
 }
 
 TEST(STBLoggerTest, ModuleListsAreReadInOrderAndTheLastWins) {
@@ -165,18 +151,13 @@ TEST(STBLoggerTest, AMessageGetsExactlyOneLineFeed) {
                                    "> TIME ERROR [STBThread] \n");
 }
 
-TEST(STBLoggerTest, LineNumbersShowWhenSwitchedOnAndPositive) {
+TEST(STBLoggerTest, LineNumbersAndTheThreadIdShowWhenSwitchedOn) {
     const auto log = [] {
         logAs(STBLogLevel::Error, "m");
-        STBLogger_log(kApp, "M", STBLogLevel::Error, 0, kFile, "m");
+        STBLogger_log(kApp, "M", STBLogLevel::Error, 0, kFile, "m");  // not a line
     };
-    const std::string text = logged({{"APP_LOG_LINENUM", "1"}}, log);
-    EXPECT_NE(text.find("> TIME ERROR [STBThread:7] m\n> TIME ERROR [M] m\n"), std::string::npos)
-        << text;
-}
-
-TEST(STBLoggerTest, TheThreadIdComesBeforeTheModule) {
-    const auto log = [] { logAs(STBLogLevel::Error, "m"); };
+    EXPECT_EQ(logged({{"APP_LOG_LINENUM", "1"}, {"APP_LOG_LEVEL", "ERROR"}}, log),
+              "> TIME ERROR [STBThread:7] m\n> TIME ERROR [M] m\n");
     const std::string text = logged({{"APP_LOG_THREAD_ID", "y"}}, log);
     EXPECT_TRUE(NSRegExp("> TIME ERROR 0x[0-9a-f]+ \\[STBThread\\] m\n").match(text)) << text;
 }
@@ -204,21 +185,21 @@ TEST(STBLoggerTest, ColouredLinesCarryALetterAndEscapes) {
     EXPECT_EQ(text.substr(text.size() - expected.size()), expected);
 }
 
-TEST(STBLoggerTest, ALongMessageIsCutButStillEndsInALineFeed) {
-    const auto log = [] { logAs(STBLogLevel::Error, std::string(5000, 'x').c_str()); };
-    const ChildResult child = runInChild(log);
-    const std::string line = child.err.substr(child.err.find('\n') + 1);
-    EXPECT_EQ(line.size(), 1024U);
-    EXPECT_EQ(line.substr(1020), "xxx\n");
-}
-
-TEST(STBLoggerTest, ALongColouredMessageKeepsItsReset) {
-    const ChildResult child = runInChild([] {
-        setenv("APP_LOG_USE_COLORS", "1", 1);
-        logAs(STBLogLevel::Error, std::string(5000, 'x').c_str());
-    });
-    const std::string ending = "xxx\x1b[0m\n";
-    EXPECT_EQ(child.err.substr(child.err.size() - ending.size()), ending);
+TEST(STBLoggerTest, ALongMessageIsCutButStillEndsInItsResetAndALineFeed) {
+    const struct {
+        const char* colours;
+        std::size_t size;
+        std::string ending;
+    } rows[] = {{"0", 1024, "xxx\n"}, {"1", 1033, "xxx\x1b[0m\n"}};
+    for (const auto& [colours, size, ending] : rows) {
+        const ChildResult child = runInChild([wanted = colours] {
+            setenv("APP_LOG_LEVEL", "ERROR", 1);
+            setenv("APP_LOG_USE_COLORS", wanted, 1);
+            logAs(STBLogLevel::Error, std::string(5000, 'x').c_str());
+        });
+        EXPECT_EQ(child.err.size(), size);
+        EXPECT_EQ(child.err.substr(child.err.size() - ending.size()), ending);
+    }
 }
 
 TEST(STBLoggerTest, OneAndYSwitchToSyslog) {

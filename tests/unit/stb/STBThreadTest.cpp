@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -55,17 +56,17 @@ void sleepUntilStopped(BodyThread& thread) {
 
 void returnAtOnce(BodyThread&) {}
 
-std::size_t count(const std::string& text, const std::string& part) {
-    std::size_t found = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++found;
-    return found;
-}
-
-std::string addressed(const std::string& before, const STBThread& thread,
-                      const std::string& after) {
+// How often the child has logged that of the thread, as an error.
+std::size_t timesLogged(const ChildResult& child, const STBThread& thread,
+                        const std::string& report) {
     char address[32] = "";
     std::snprintf(address, sizeof address, "%p", static_cast<const void*>(&thread));
-    return before + address + after;
+    const std::string line =
+        std::string(" ERROR [STBThread] Thread ") + address + ' ' + report + '\n';
+    std::size_t found = 0;
+    for (auto at = child.err.find(line); at != std::string::npos; at = child.err.find(line, at + 1))
+        ++found;
+    return found;
 }
 
 int niceOfThisThread() {
@@ -74,28 +75,11 @@ int niceOfThisThread() {
 
 }  // namespace
 
-TEST(STBThreadTest, ANewObjectIsNeitherRunningNorCompleted) {
-    const BodyThread thread(returnAtOnce);
-    EXPECT_FALSE(thread.isRunning());
-    EXPECT_FALSE(thread.hasCompleted());
-}
-
-TEST(STBThreadTest, StartRunsTheBodyOnAnotherThread) {
-    Event ran;
-    std::thread::id id;
-    BodyThread thread([&](BodyThread&) {
-        id = std::this_thread::get_id();
-        ran.set();
-    });
-    thread.start();
-    ASSERT_TRUE(ran.wait());
-    EXPECT_NE(id, std::this_thread::get_id());
-    thread.stop();
-}
-
 TEST(STBThreadTest, AFinishedBodyStillCountsAsRunningUntilStop) {
     Listener listener;
     BodyThread thread(returnAtOnce);
+    EXPECT_FALSE(thread.isRunning());
+    EXPECT_FALSE(thread.hasCompleted());
     thread.start(&listener);
     ASSERT_TRUE(listener.called.wait());
     EXPECT_TRUE(thread.isRunning());
@@ -114,6 +98,7 @@ TEST(STBThreadTest, TheListenerIsCalledOnTheFinishedThread) {
     thread.stopThread();
     EXPECT_EQ(listener.finished, &thread);
     EXPECT_EQ(listener.onThread, id);
+    EXPECT_NE(listener.onThread, std::this_thread::get_id());
     EXPECT_EQ(listener.calls, 1);
 }
 
@@ -146,16 +131,22 @@ TEST(STBThreadTest, StopReturnsOnlyAfterTheBodyHasLeft) {
     stopper.join();
 }
 
-TEST(STBThreadTest, StartAfterStopRunsTheBodyAgain) {
+TEST(STBThreadTest, StartAfterStopOrShutdownRunsTheBodyAgain) {
     std::atomic<int> runs{0};
     BodyThread thread([&](BodyThread& self) {
         ++runs;
         sleepUntilStopped(self);
     });
-    for (int round = 1; round <= 3; ++round) {
+    for (int round = 1; round <= 4; ++round) {
         thread.start();
         EXPECT_TRUE(thread.isRunning());
-        thread.stop();
+        if (round < 3) {
+            thread.stop();
+        } else {
+            thread.shutdown();
+            thread.shutdown();  // may be repeated
+        }
+        EXPECT_FALSE(thread.isRunning());
         EXPECT_EQ(runs, round);
     }
 }
@@ -178,36 +169,23 @@ TEST(STBThreadTest, StartForgetsTheLastCompletion) {
     EXPECT_TRUE(thread.hasCompleted());
 }
 
-TEST(STBThreadTest, StartingTwiceLogsOnceAndKeepsTheFirstThread) {
+TEST(STBThreadTest, ASecondStartIsLoggedAndReplacesTheListenerButNotTheThread) {
     std::atomic<int> runs{0};
     BodyThread thread([&](BodyThread& self) {
         ++runs;
         sleepUntilStopped(self);
     });
     const ChildResult child = runInChild([&] {
-        thread.start();
-        thread.start();
-        thread.stop();
-        std::printf("%d runs", runs.load());
-    });
-    EXPECT_TRUE(child.exitedWith(0));
-    EXPECT_EQ(child.out, "1 runs");
-    EXPECT_EQ(
-        count(child.err, addressed(" ERROR [STBThread] Thread ", thread, " already running\n")), 1U)
-        << child.err;
-}
-
-TEST(STBThreadTest, ASecondStartReplacesTheListener) {
-    const ChildResult child = runInChild([] {
         Listener first;
         Listener second;
-        BodyThread thread(sleepUntilStopped);
         thread.start(&first);
         thread.start(&second);
         thread.stop();
-        std::printf("%d %d", first.calls, second.calls);
+        std::printf("%d runs, %d %d", runs.load(), first.calls, second.calls);
     });
-    EXPECT_EQ(child.out, "0 1");
+    EXPECT_TRUE(child.exitedWith(0));
+    EXPECT_EQ(child.out, "1 runs, 0 1");
+    EXPECT_EQ(timesLogged(child, thread, "already running"), 1U) << child.err;
 }
 
 TEST(STBThreadTest, StoppingAStoppedThreadLogs) {
@@ -219,9 +197,7 @@ TEST(STBThreadTest, StoppingAStoppedThreadLogs) {
         thread.stopThread();
     });
     EXPECT_TRUE(child.exitedWith(0));
-    EXPECT_EQ(
-        count(child.err, addressed(" ERROR [STBThread] Thread ", thread, " already stopped\n")), 2U)
-        << child.err;
+    EXPECT_EQ(timesLogged(child, thread, "already stopped"), 2U) << child.err;
 }
 
 TEST(STBThreadTest, TheSleepMutexIsUsableAfterItsDoubleRelease) {
@@ -234,15 +210,15 @@ TEST(STBThreadTest, TheSleepMutexIsUsableAfterItsDoubleRelease) {
 }
 
 TEST(STBThreadTest, ManyStoppersJoinOnce) {
-    const ChildResult child = runInChild([] {
-        BodyThread thread(sleepUntilStopped);
+    BodyThread thread(sleepUntilStopped);
+    const ChildResult child = runInChild([&] {
         thread.start();
         std::thread other([&] { thread.stop(); });
         thread.stop();
         other.join();
     });
     EXPECT_TRUE(child.exitedWith(0)) << child.out;
-    EXPECT_EQ(count(child.err, "already stopped"), 1U);
+    EXPECT_EQ(timesLogged(child, thread, "already stopped"), 1U);
 }
 
 TEST(STBThreadTest, SleepingOnAnObjectThatIsNotRunningReturnsAtOnce) {
@@ -283,34 +259,25 @@ TEST(STBThreadTest, NotifyWakesASleeper) {
 }
 
 TEST(STBThreadTest, AnExceptionEndsOnlyItsThreadAndIsLogged) {
-    BodyThread thread([](BodyThread&) { throw std::runtime_error("no such tuner"); });
-    const ChildResult child = runInChild([&] {
-        Listener listener;
-        thread.start(&listener);
-        listener.called.wait();
-        std::printf("running %d completed %d", thread.isRunning(), thread.hasCompleted());
-        thread.stop();
-    });
-    EXPECT_TRUE(child.exitedWith(0));
-    EXPECT_EQ(child.out, "running 1 completed 1");
-    EXPECT_EQ(count(child.err, addressed(" ERROR [STBThread] Thread ", thread,
-                                         " ended by an exception: no such tuner\n")),
-              1U)
-        << child.err;
-}
-
-TEST(STBThreadTest, AnExceptionOfAnyOtherTypeIsLoggedToo) {
-    BodyThread thread([](BodyThread&) { throw 42; });
-    const ChildResult child = runInChild([&] {
-        Listener listener;
-        thread.start(&listener);
-        listener.called.wait();
-        thread.stop();
-        std::printf("%d", listener.calls);
-    });
-    EXPECT_TRUE(child.exitedWith(0));
-    EXPECT_EQ(child.out, "1");
-    EXPECT_EQ(count(child.err, "ended by an unknown exception\n"), 1U) << child.err;
+    const std::pair<BodyThread::Body, const char*> rows[] = {
+        {[](BodyThread&) { throw std::runtime_error("no such tuner"); },
+         "ended by an exception: no such tuner"},
+        {[](BodyThread&) { throw 42; }, "ended by an unknown exception"},
+    };
+    for (const auto& [body, report] : rows) {
+        BodyThread thread(body);
+        const ChildResult child = runInChild([&] {
+            Listener listener;
+            thread.start(&listener);
+            listener.called.wait();
+            std::printf("running %d completed %d", thread.isRunning(), thread.hasCompleted());
+            thread.stop();
+            std::printf(" calls %d", listener.calls);
+        });
+        EXPECT_TRUE(child.exitedWith(0));
+        EXPECT_EQ(child.out, "running 1 completed 1 calls 1");
+        EXPECT_EQ(timesLogged(child, thread, report), 1U) << child.err;
+    }
 }
 
 TEST(STBThreadTest, DestructionJoinsQuietly) {
@@ -324,40 +291,19 @@ TEST(STBThreadTest, DestructionJoinsQuietly) {
     EXPECT_EQ(child.err, "");
 }
 
-TEST(STBThreadTest, ShutdownMayBeRepeatedAndStartFollowIt) {
-    std::atomic<int> runs{0};
-    BodyThread thread([&](BodyThread& self) {
-        ++runs;
-        sleepUntilStopped(self);
-    });
-    thread.start();
-    thread.shutdown();
-    thread.shutdown();
-    EXPECT_FALSE(thread.isRunning());
-    thread.start();
-    thread.shutdown();
-    EXPECT_EQ(runs, 2);
-}
-
 TEST(STBThreadTest, SetPriorityActsOnTheCallingThreadOnly) {
     BodyThread thread(returnAtOnce);
     const int before = niceOfThisThread();
-    std::thread([&] {
-        thread.setPriority(STBThread::Priority::Low);
-        EXPECT_EQ(niceOfThisThread(), 15);
-    }).join();
-    EXPECT_EQ(niceOfThisThread(), before);
-}
-
-TEST(STBThreadTest, HighAndNormalPriorityAreMinusFiveAndZero) {
-    BodyThread thread(returnAtOnce);
     bool permitted = false;
     std::thread([&] {
         thread.setPriority(STBThread::Priority::High);
         permitted = niceOfThisThread() == -5;
         thread.setPriority(STBThread::Priority::Normal);
         EXPECT_TRUE(!permitted || niceOfThisThread() == 0);
+        thread.setPriority(STBThread::Priority::Low);
+        EXPECT_EQ(niceOfThisThread(), 15);
     }).join();
+    EXPECT_EQ(niceOfThisThread(), before);
     if (!permitted) GTEST_SKIP() << "negative nice values need a privilege here";
 }
 

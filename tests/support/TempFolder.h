@@ -8,7 +8,7 @@
 /// A folder for one test, removed with the object.
 class TempFolder {
   public:
-    TempFolder() : path_((std::filesystem::temp_directory_path() / "kelm-stb-XXXXXX").string()) {
+    TempFolder() : path_((std::filesystem::temp_directory_path() / "kelm-test-XXXXXX").string()) {
         if (mkdtemp(path_.data()) == nullptr) std::abort();
     }
     ~TempFolder() {
