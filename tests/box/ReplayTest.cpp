@@ -5,7 +5,9 @@
 #include "tests/box/TreeListing.h"
 #include "tests/support/Box.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <sstream>
 
 namespace {
@@ -47,14 +49,18 @@ const std::string kDiff = R"(
     trctl diff "$OUT/unpacked/kelm-trd-snapshot/tree.json" >"$OUT/diff"; [ $? = 1 ] || exit)";
 
 // What moves by itself, and so lives on in another box; all else is the same to the letter.
+constexpr const char* kLive[] = {
+    "DeviceInfo.UpTime",       ".MemoryStatus.Free", ".LastChange",
+    ".ProcessNumberOfEntries", ".Total.ResetTime",   "ClientGroup.1.UpTime",
+};
+
 bool isLive(const std::string& address) {
-    const auto ends = [&](const std::string& end) {
+    const auto isItsEnd = [&](const std::string& end) {
         return address.size() >= end.size() &&
                address.compare(address.size() - end.size(), end.size(), end) == 0;
     };
-    return ends("DeviceInfo.UpTime") || ends(".MemoryStatus.Free") || ends(".LastChange") ||
-           ends(".ProcessNumberOfEntries") || ends(".Total.ResetTime") ||
-           ends("ClientGroup.1.UpTime") || (address.find(".Stats.") != std::string::npos);
+    return std::any_of(std::begin(kLive), std::end(kLive), isItsEnd) ||
+           address.find(".Stats.") != std::string::npos;
 }
 
 std::string withShapes(const std::string& listing) {
@@ -64,7 +70,8 @@ std::string withShapes(const std::string& listing) {
         std::istringstream words(line);
         std::string address, flags, type;
         words >> address >> flags >> type;
-        if (type != "object" && isLive(address)) line = address + " " + flags + " integer ~[0-9]+";
+        if (type != "object" && isLive(address))
+            line = address + " " + flags + " " + type + " ~[0-9.]+";
         text += line + "\n";
     }
     return text;
