@@ -5,8 +5,9 @@
 #include "tests/support/Box.h"
 #include "tests/support/TreeListing.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <regex>
+#include <iterator>
 #include <sstream>
 
 namespace {
@@ -48,16 +49,31 @@ const std::string kDiff = R"(
     trctl diff "$OUT/unpacked/kelm-trd-snapshot/tree.json" >"$OUT/diff"; [ $? = 1 ] || exit)";
 
 // What moves by itself, and so lives on in another box; all else is the same to the letter.
-const std::string kLive =
-    R"((\S*(DeviceInfo\.UpTime|\.MemoryStatus\.Free|\.LastChange|\.ProcessNumberOfEntries|)"
-    R"(\.Total\.ResetTime|ClientGroup\.1\.UpTime|\.Stats\.\S*)))";
+constexpr const char* kLive[] = {
+    "DeviceInfo.UpTime",       ".MemoryStatus.Free", ".LastChange",
+    ".ProcessNumberOfEntries", ".Total.ResetTime",   "ClientGroup.1.UpTime",
+};
+
+bool isLive(const std::string& address) {
+    const auto isItsEnd = [&](const std::string& end) {
+        return address.size() >= end.size() &&
+               address.compare(address.size() - end.size(), end.size(), end) == 0;
+    };
+    return std::any_of(std::begin(kLive), std::end(kLive), isItsEnd) ||
+           address.find(".Stats.") != std::string::npos;
+}
 
 std::string withShapes(const std::string& listing) {
     std::string text;
-    const std::regex live("^" + kLive + " (\\S+) (?!object)\\S+ .*");
     std::istringstream stream(listing);
-    for (std::string line; std::getline(stream, line);)
-        text += std::regex_replace(line, live, "$1 $3 integer ~[0-9]+") + "\n";
+    for (std::string line; std::getline(stream, line);) {
+        std::istringstream words(line);
+        std::string address, flags, type;
+        words >> address >> flags >> type;
+        if (type != "object" && isLive(address))
+            line = address + " " + flags + " " + type + " ~[0-9.]+";
+        text += line + "\n";
+    }
     return text;
 }
 
@@ -94,7 +110,7 @@ TEST_F(ReplayTest, TheDaemonPublishesWhatItPublishedOnTheBox) {
     std::string saved, now, address;
     while (std::getline(diff, saved) && std::getline(diff, now)) {
         address = saved.substr(2, saved.find(" = ") - 2);
-        EXPECT_TRUE(std::regex_match(address, std::regex(kLive))) << saved;
+        EXPECT_TRUE(isLive(address)) << saved;
         EXPECT_EQ(now.substr(0, address.size() + 2), "+ " + address);
     }
     EXPECT_FALSE(address.empty()) << "the file has no live value";
