@@ -19,6 +19,12 @@ give_up() {
     exit 1
 }
 
+build_release() { # build_release TARGET...
+    say "building"
+    cmake --preset release >/dev/null
+    cmake --build --preset release --target "$@" >&2
+}
+
 # Leaves a folder for the script's own files in `scratch`, until its end.
 make_scratch() {
     scratch=$(mktemp -d)

@@ -1,5 +1,5 @@
 # Sourced by the tests that install the package into a separate Debian root. All of it is gone when they end.
-# shellcheck shell=bash disable=SC2034  # what is left for others
+# shellcheck shell=bash disable=SC2034,SC2174  # what is left for others
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
 repository=${here%/*/*}
@@ -47,6 +47,7 @@ build_package() {
     }
     rm -rf "$folder/_CPack_Packages"
     package=$(echo "$folder"/*.deb)
+    "$repository/packaging/easycwmp/build-deb" "$2-1" "$folder"
 }
 
 # sandbox OPTION... COMMAND...: a command in the root, alone with itself. Its root is root and may become others.
@@ -55,6 +56,19 @@ sandbox() {
         --perms 1777 --tmpfs /tmp --ro-bind "$here" /mnt --ro-bind "$scratch/packages" /media --chdir / \
         --unshare-pid --unshare-net --unshare-ipc --unshare-uts --unshare-cgroup --hostname stb --cap-add ALL \
         --die-with-parent --clearenv --setenv PATH /usr/sbin:/usr/bin:/sbin:/bin --setenv LC_ALL C.UTF-8 "$@"
+}
+
+# go_inside BUILD_FOLDER VERSION...: leaves the rest of the script to itself inside a fresh root, which has the packages
+# of these versions in /media.
+go_inside() {
+    local version
+    [[ $1 != --inside ]] || return 0
+    fresh_root
+    for version in "${@:2}"; do
+        build_package "$1" "$version"
+    done
+    sandbox -- bash "/mnt/${0##*/}" --inside
+    exit
 }
 
 # boot OPTION... COMMAND...: the same, the command being the first process, which stays. See inside.
@@ -74,4 +88,50 @@ inside() {
 # The same with the words of check.sh, the daemon's methods among them.
 ask() {
     inside bash -c '. /mnt/check.sh; "$@"' bash "$@"
+}
+
+# In a root without systemd these do with a unit's file what it would, as far as it goes without one.
+readonly units=/usr/lib/systemd/system
+
+# unit_values UNIT KEY: one per line, a leading "-" left out.
+unit_values() { sed -n "s/^$2=-\{0,1\}//p" "$units/$1.service"; }
+
+declare -A unit_pids
+
+prepare_unit() {
+    local folder
+    folder=$(unit_values "$1" RuntimeDirectory)
+    [[ ! $folder ]] || mkdir -p -m "$(unit_values "$1" RuntimeDirectoryMode)" "/run/$folder"
+}
+
+run_unit() { # run_unit UNIT: becomes the daemon, in the unit's environment
+    local line
+    while read -r line; do
+        export "${line?}"
+    done < <(unit_values "$1" Environment)
+    set -a
+    while read -r line; do
+        # shellcheck disable=SC1090  # what the unit names
+        [[ ! -e $line ]] || source "$line"
+    done < <(unit_values "$1" EnvironmentFile)
+    while read -r line; do
+        $line || exit
+    done < <(unit_values "$1" ExecStartPre)
+    # A script's background jobs ignore SIGINT; systemd's do not.
+    # shellcheck disable=SC2046  # words
+    exec env --default-signal=INT $(unit_values "$1" ExecStart)
+}
+
+start_unit() {
+    prepare_unit "$1"
+    run_unit "$1" >"/tmp/$1.log" 2>&1 </dev/null &
+    unit_pids[$1]=$!
+}
+
+# With the status of the daemon.
+stop_unit() {
+    local signal
+    signal=$(unit_values "$1" KillSignal)
+    kill -s "${signal:-SIGTERM}" "${unit_pids[$1]}"
+    wait "${unit_pids[$1]}"
 }
