@@ -71,7 +71,7 @@ go_inside() {
     exit
 }
 
-# boot OPTION... COMMAND...: the same, the command being the first process, which stays. See inside.
+# boot OPTION... COMMAND...: a sandbox whose first process is the command, which stays. See inside.
 boot() {
     sandbox --as-pid-1 --info-fd 3 "$@" 3>"$scratch/info" >"$scratch/log" 2>&1 </dev/null &
     within 10 grep -q child-pid "$scratch/info" || skip "no box: $(cat "$scratch/log")"
@@ -91,39 +91,28 @@ ask() {
 }
 
 # In a root without systemd these do with a unit's file what it would, as far as it goes without one.
-readonly units=/usr/lib/systemd/system
 
 # unit_values UNIT KEY: one per line, a leading "-" left out.
-unit_values() { sed -n "s/^$2=-\{0,1\}//p" "$units/$1.service"; }
+unit_values() { sed -n "s/^$2=-\{0,1\}//p" "/usr/lib/systemd/system/$1.service"; }
 
-declare -A unit_pids
-
-prepare_unit() {
-    local folder
-    folder=$(unit_values "$1" RuntimeDirectory)
-    [[ ! $folder ]] || mkdir -p -m "$(unit_values "$1" RuntimeDirectoryMode)" "/run/$folder"
-}
-
+# shellcheck disable=SC2046,SC1090  # words; files that the unit names
 run_unit() { # run_unit UNIT: becomes the daemon, in the unit's environment
-    local line
-    while read -r line; do
-        export "${line?}"
-    done < <(unit_values "$1" Environment)
+    local file
+    export $(unit_values "$1" Environment)
     set -a
-    while read -r line; do
-        # shellcheck disable=SC1090  # what the unit names
-        [[ ! -e $line ]] || source "$line"
-    done < <(unit_values "$1" EnvironmentFile)
-    while read -r line; do
-        $line || exit
-    done < <(unit_values "$1" ExecStartPre)
+    for file in $(unit_values "$1" EnvironmentFile); do
+        [[ ! -e $file ]] || source "$file"
+    done
+    bash -ec "$(unit_values "$1" ExecStartPre)"
     # A script's background jobs ignore SIGINT; systemd's do not.
-    # shellcheck disable=SC2046  # words
     exec env --default-signal=INT $(unit_values "$1" ExecStart)
 }
 
+declare -A unit_pids
 start_unit() {
-    prepare_unit "$1"
+    local folder
+    folder=$(unit_values "$1" RuntimeDirectory)
+    [[ ! $folder ]] || mkdir -p -m "$(unit_values "$1" RuntimeDirectoryMode)" "/run/$folder"
     run_unit "$1" >"/tmp/$1.log" 2>&1 </dev/null &
     unit_pids[$1]=$!
 }
