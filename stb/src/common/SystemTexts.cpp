@@ -30,7 +30,7 @@ std::vector<LogPart> findParts(const std::string& base, std::size_t most) {
         const std::string path = pathOf(base, rotation);
         const Utils::RegularFile file(path);
         if (!file.isOpen()) continue;
-        const auto length = std::min<std::int64_t>(file.sizeHint(), most);
+        const auto length = std::min(file.sizeHint(), static_cast<std::int64_t>(most));
         parts.push_back({path, file.sizeHint() - length, static_cast<std::size_t>(length)});
         most -= parts.back().length;
     }
