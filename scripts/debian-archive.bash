@@ -1,47 +1,37 @@
-# Sourced by the scripts that unpack or install packages of Debian 12 outside this system. They come from the main
-# archive that this machine's own apt uses, with its address, keyring and options.
+# Sourced by the scripts that make a root folder of packages of Debian 12. They come from the main archive that this
+# machine's own apt uses, with its address, keyring and options.
 # shellcheck shell=bash
 
 readonly debian_release=bookworm
 
-# Leaves its address in `archive`; fails without one. What apt would fetch is listed for both styles of sources, also
-# before the first update.
-find_archive() {
-    archive=$(apt-get update --print-uris |
-        sed -nE "s#^'(.*)/dists/$debian_release/main/binary-[^/]+/Packages.*#\1#p" | sort -u | head -n 1)
-    if [[ ! $archive ]]; then
-        echo "apt has no source with the main component of Debian $debian_release" >&2
-        return 1
-    fi
-}
-
-# The keyrings that the sources of this archive name; where none is named, apt's own are taken.
-find_keyrings() {
-    local places file list='' parts=''
-    eval "$(apt-config shell list Dir::Etc::sourcelist/f parts Dir::Etc::sourceparts/d)"
-    mapfile -t places < <(grep -lsF -- "$archive" "$list" "$parts"*.list "$parts"*.sources)
-    keyrings=()
-    ((${#places[@]} > 0)) || return 0
-    while read -r file; do
-        keyrings+=("--keyring=$file")
-    done < <(sed -nE 's/^[^#]*signed-by *[:=] *(\/[^] ]+).*/\1/Ip' "${places[@]}" | sort -u)
-}
-
-# apt's options for how to fetch and as which user; not its folders and architectures.
-apt_options() {
-    apt-config dump Acquire
-    apt-config dump APT::Sandbox
-}
-
 # debian_tar OPTION...: an archive of a root folder, made by mmdebstrap as the options say, on standard output.
 debian_tar() {
-    local options archive keyrings status=0
-    find_archive || return
-    find_keyrings
-    options=$(mktemp)
-    apt_options >"$options"
-    mmdebstrap --quiet --format=tar --aptopt="$options" "${keyrings[@]}" "$@" \
-        "$debian_release" - "deb $archive $debian_release main" || status=$?
-    rm -f "$options"
-    return "$status"
+    local archive keyrings
+    # shellcheck disable=SC2016  # apt's own variable
+    archive=$(apt-get indextargets --no-release-info --format '$(SITE)' 'Identifier: Packages' \
+        "Release: $debian_release" 'Component: main' | head -n 1)
+    [[ $archive ]] || give_up "apt has no source with the main component of Debian $debian_release"
+    # The keyrings that the sources of this archive name; where none is named, apt's own are taken.
+    mapfile -t keyrings < <(grep -lsF -- "$archive" /etc/apt/sources.list{,.d/*} |
+        xargs -r sed -nE 's/^[^#]*signed-by *[:=] *(\/[^] ]+).*/--keyring=\1/Ip' | sort -u)
+    # How to fetch and as which user; not apt's folders and architectures.
+    { apt-config dump Acquire && apt-config dump APT::Sandbox; } >build/apt-options
+    mmdebstrap --quiet --format=tar --aptopt=build/apt-options "${keyrings[@]}" "$@" \
+        "$debian_release" - "deb $archive $debian_release main"
+}
+
+# make_once RESULT SOURCES: has the function `make` make the file or folder RESULT, unless it is there already, made
+# from the same.
+make_once() {
+    if [[ -e $1 && -e $1.made-from && $(<"$1.made-from") == "$2" ]]; then
+        say "$1 is there already"
+        return
+    fi
+    say "unpacking $2 of Debian $debian_release"
+    mkdir -p build
+    rm -rf "$1" "$1.new" "$1.made-from"
+    make "$1.new"
+    mv "$1.new" "$1"
+    echo "$2" >"$1.made-from"
+    say "$1 is made, $(du -sh "$1" | cut -f1)"
 }

@@ -11,27 +11,8 @@ name=${0##*/}
 newline='
 '
 
-log_call() {
-    local line="$name${1+ $*}"
-    case $line in
-        *"$newline"*) line=${line//$newline/\\n} ;;
-    esac
-    echo "$line" >>"/run/kelm-box/log/$name"
-}
-
-# The fault is switched off for the inner call only, so that it is answered as usual, unlogged.
-usual_answer() {
-    KELM_STANDIN_INNER=1 "$0" "$@"
-}
-
-fail() { # fail KIND [NUMBER] -- ARGUMENT...
-    local kind=$1 number=
-    shift
-    if [ "$1" != -- ]; then
-        number=$1
-        shift
-    fi
-    shift
+# Behaves as the fault's words `kind` and `number` ask.
+fail() { # fail ARGUMENT...
     case $kind in
         exit) exit "${number:-1}" ;;
         silent) exit 0 ;;
@@ -42,11 +23,11 @@ fail() { # fail KIND [NUMBER] -- ARGUMENT...
             ;;
         flood) yes "$name goes on and on and on" | head -c 10485760 && exit 0 ;;
         line) head -c 10485760 /dev/zero | tr '\000' x && exit 0 ;;
+        # Answered as usual by an inner call without the fault, which is not logged.
         noeol)
-            number=0
-            answer=$(usual_answer "$@") || number=$?
+            answer=$(KELM_STANDIN_INNER=1 "$0" "$@") && status=0 || status=$?
             printf '%s' "$answer"
-            exit "$number"
+            exit "$status"
             ;;
         slow) sleep "${number:-1}" ;;
         hang) exec sleep 1000000 ;;
@@ -76,23 +57,18 @@ replay() {
             exit "$line"
         fi
     done
-    case $name in
-        uci | ubus) ;;
-        *) echo "$name: the snapshot does not have the answer to this call" >&2 && exit 1 ;;
-    esac
+    [ "$name" != uci ] && [ "$name" != ubus ] || return 0
+    echo "$name: the snapshot does not have the answer to this call" >&2
+    exit 1
 }
 
 if [ -z "${KELM_STANDIN_INNER-}" ]; then
-    log_call "$@"
+    line="$name${1+ $*}"
+    echo "${line//$newline/\\n}" >>"/run/kelm-box/log/$name"
     if [ -e "/run/kelm-box/fault/$name" ]; then
         read -r kind number <"/run/kelm-box/fault/$name" || true
-        # shellcheck disable=SC2154  # read sets them
-        if [ "$kind" ]; then
-            fail "$kind" ${number:+"$number"} -- "$@"
-        fi
+        [ ! "$kind" ] || fail "$@"
     fi
 fi
 
-if [ -d /run/kelm-box/replay ]; then
-    replay "$@"
-fi
+[ ! -d /run/kelm-box/replay ] || replay "$@"

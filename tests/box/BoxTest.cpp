@@ -102,6 +102,18 @@ TEST_F(BoxTest, HasItsOwnProcessesAndBusyboxCommands) {
     EXPECT_EQ(inBox("readlink -f /usr/bin/uci"), "/usr/kelm-box/uci");
 }
 
+TEST_F(BoxTest, HasOurProgramsOnItsPath) {
+    const std::string programs = KELM_PROGRAMS;
+    EXPECT_EQ(inBox("for name in trctl await-bus kelm-trd-snapshot; do $name --help >/tmp/help && "
+                    "grep -q $name /tmp/help && echo $name; done",
+                    {"--env", "KELM_BUILD=" + programs, "--ro-bind", programs + ":" + programs}),
+              "trctl\nawait-bus\nkelm-trd-snapshot");
+}
+
+TEST_F(BoxTest, BootsAndListsTheKernelsSettingsWithoutAComplaint) {
+    EXPECT_EQ(inBox("sysctl -a 2>&1 >/dev/null", {"--bus"}), "");
+}
+
 TEST_F(BoxTest, KeepsItsFilesToItself) {
     EXPECT_EQ(inBox("cat /etc/kelm_deviceid"), " B410 ");
     EXPECT_EQ(inBox("echo 1 > /etc/kelm_deviceid; echo 2 > /sys/class/net/eth0/speed; "

@@ -1,6 +1,7 @@
 # Sourced by the package's tests: one line per thing looked at, and how to end.
 # shellcheck shell=sh disable=SC3043,SC2034,SC2086  # dash and bash know local; for others to use
 
+[ "${1-}" != --help ] || exec sed -n '2,/^set/s/^# \{0,1\}//p' "$0"
 failures=0
 
 # check TEXT COMMAND...: what holds when the command succeeds.

@@ -1,5 +1,5 @@
 # Sourced by the tests that install the package into a separate Debian root. All of it is gone when they end.
-# shellcheck shell=bash disable=SC2034  # what is left for others
+# shellcheck shell=bash disable=SC2034,SC2174  # what is left for others
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
 repository=${here%/*/*}
@@ -47,6 +47,7 @@ build_package() {
     }
     rm -rf "$folder/_CPack_Packages"
     package=$(echo "$folder"/*.deb)
+    "$repository/packaging/easycwmp/build-deb" "$2-1" "$folder"
 }
 
 # sandbox OPTION... COMMAND...: a command in the root, alone with itself. Its root is root and may become others.
@@ -57,7 +58,20 @@ sandbox() {
         --die-with-parent --clearenv --setenv PATH /usr/sbin:/usr/bin:/sbin:/bin --setenv LC_ALL C.UTF-8 "$@"
 }
 
-# boot OPTION... COMMAND...: the same, the command being the first process, which stays. See inside.
+# go_inside BUILD_FOLDER VERSION...: leaves the rest of the script to itself inside a fresh root, which has the packages
+# of these versions in /media.
+go_inside() {
+    local version
+    [[ $1 != --inside ]] || return 0
+    fresh_root
+    for version in "${@:2}"; do
+        build_package "$1" "$version"
+    done
+    sandbox -- bash "/mnt/${0##*/}" --inside
+    exit
+}
+
+# boot OPTION... COMMAND...: a sandbox whose first process is the command, which stays. See inside.
 boot() {
     sandbox --as-pid-1 --info-fd 3 "$@" 3>"$scratch/info" >"$scratch/log" 2>&1 </dev/null &
     within 10 grep -q child-pid "$scratch/info" || skip "no box: $(cat "$scratch/log")"
@@ -74,4 +88,39 @@ inside() {
 # The same with the words of check.sh, the daemon's methods among them.
 ask() {
     inside bash -c '. /mnt/check.sh; "$@"' bash "$@"
+}
+
+# In a root without systemd these do with a unit's file what it would, as far as it goes without one.
+
+# unit_values UNIT KEY: one per line, a leading "-" left out.
+unit_values() { sed -n "s/^$2=-\{0,1\}//p" "/usr/lib/systemd/system/$1.service"; }
+
+# shellcheck disable=SC2046,SC1090  # words; files that the unit names
+run_unit() { # run_unit UNIT: becomes the daemon, in the unit's environment
+    local file
+    export $(unit_values "$1" Environment)
+    set -a
+    for file in $(unit_values "$1" EnvironmentFile); do
+        [[ ! -e $file ]] || source "$file"
+    done
+    bash -ec "$(unit_values "$1" ExecStartPre)"
+    # A script's background jobs ignore SIGINT; systemd's do not.
+    exec env --default-signal=INT $(unit_values "$1" ExecStart)
+}
+
+declare -A unit_pids
+start_unit() {
+    local folder
+    folder=$(unit_values "$1" RuntimeDirectory)
+    [[ ! $folder ]] || mkdir -p -m "$(unit_values "$1" RuntimeDirectoryMode)" "/run/$folder"
+    run_unit "$1" >"/tmp/$1.log" 2>&1 </dev/null &
+    unit_pids[$1]=$!
+}
+
+# With the status of the daemon.
+stop_unit() {
+    local signal
+    signal=$(unit_values "$1" KillSignal)
+    kill -s "${signal:-SIGTERM}" "${unit_pids[$1]}"
+    wait "${unit_pids[$1]}"
 }

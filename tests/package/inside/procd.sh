@@ -36,16 +36,10 @@ procd_send_signal() {
     kill -s "$3" "$(cat "/tmp/$2.pid")"
 }
 
-# What is left when the script's own stop has returned gets SIGTERM.
-procd_kill() {
-    local file
-    for file in /tmp/*.pid; do
-        [ ! -e "$file" ] || kill "$(cat "$file")" 2>/dev/null || true
-    done
-}
-
 start() { start_service; }
+# What is left when the script's own stop has returned gets SIGTERM.
+# shellcheck disable=SC2046  # words
 stop() {
     stop_service
-    procd_kill
+    kill $(cat /tmp/*.pid 2>/dev/null) 2>/dev/null || true
 }
