@@ -216,7 +216,8 @@ void takeAssignments(Options& options, bool hasValue) {
     words.insert(words.end(), options.more.begin(), options.more.end());
     std::set<std::string> paths;
     for (const std::string& word : words) {
-        if (!hasSign(word)) throw CLI::ValidationError("set", word + " is not PATH=VALUE");
+        if (!hasSign(word))
+            throw CLI::ValidationError(word, "no value; give PATH VALUE or PATH=VALUE");
         const std::size_t sign = word.find('=');
         options.assignments.push_back({word.substr(0, sign), word.substr(sign + 1)});
         if (!paths.insert(options.assignments.back().path).second)

@@ -121,6 +121,8 @@ std::string complaintOf(const CLI::App& app, const CLI::ParseError& error) {
         return ahead(text, " excludes ") + " and " + text.substr(text.rfind(' ') + 1) +
                " do not go together";
     if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) return error.what();
+    if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr)
+        return ahead(text, " requires ") + " needs " + text.substr(text.rfind(' ') + 1);
     if (!rest.empty()) return complaintOfRest(app, rest);
     if (command == nullptr) return "a command is missing";
     return '`' + command->get_name() + "` needs " + ahead(text, " is required");

@@ -100,6 +100,9 @@ TEST(OptionsTest, AComplaintIsASentenceThatNamesTheWord) {
         {{"--color", "blue", "list"}, "--color: not auto, always or never: `blue`"},
         {{"report", "--seconds", "1", "--snapshot", "a"},
          "--seconds and --snapshot do not go together"},
+        {{"get", "-0", "a"}, "-0 needs --value"},
+        {{"tree", "--depth", "1.5"}, "--depth: not a whole number from 1 to 10000: `1.5`"},
+        {{"set", "a"}, "a: no value; give PATH VALUE or PATH=VALUE"},
         {{"changes", "a"}, "`changes` takes no further argument: `a`"}};
     for (const auto& [words, complaint] : complaints)
         EXPECT_EQ(parse(words).errors.substr(0, parse(words).errors.find('\n')),
