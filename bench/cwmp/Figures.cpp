@@ -1,4 +1,5 @@
-// What the back end of the CWMP client costs, beside a plain client and a bridge of shell.
+// What the clients cost: the back end of the CWMP client and trctl, beside a plain client and a
+// bridge of shell.
 
 #include "bench/Table.h"
 #include "bench/cwmp/Run.h"
@@ -57,13 +58,20 @@ void fillTo(const Service& daemon, int first, int last) {
             fail("no new entry");
 }
 
+Run program(const std::vector<std::string>& command, pid_t daemon) {
+    return measure(command, "", "", daemon);
+}
+
 void reportTree(const Service& daemon) {
-    Best ours, plain, shell;
+    Best ours, plain, shell, trctl;
     for (int round = 0; round < kRounds; ++round) {
         ours.add(backEnd(get("Device."), daemon.pid(), "}\n"));
-        plain.add(measure({PLAIN_PROGRAM}, "", "", daemon.pid()));
+        plain.add(program({PLAIN_PROGRAM}, daemon.pid()));
+        trctl.add(program({TRCTL_PROGRAM, "get", "Device."}, daemon.pid()));
     }
-    shell.add(measure({"/bin/sh", SHELL_BRIDGE}, "", "", daemon.pid()));
+    shell.add(program({"/bin/sh", SHELL_BRIDGE}, daemon.pid()));
+    report("trctl get Device. / plain libdbus client, CPU", fixed(trctl.cpu / plain.cpu, 2),
+           both(trctl.cpu, plain.cpu));
     reportAtMost("get value Device. / plain libdbus client, CPU", ours.cpu / plain.cpu, 1.5,
                  both(ours.cpu, plain.cpu));
     reportAtMost(
@@ -86,14 +94,18 @@ void reportWatched(const Service& daemon) {
 }
 
 void reportMany(const Service& daemon) {
-    Best few, many, one;
+    Best few, many, one, plain, trctl;
     for (int round = 0; round < kRounds; ++round)
         few.add(backEnd(get(kBranch), daemon.pid(), "}\n"));
     fillTo(daemon, kMany + kWatched, 2 * kMany);
     for (int round = 0; round < kRounds; ++round) {
         many.add(backEnd(get(kBranch), daemon.pid(), "}\n"));
         one.add(backEnd(get("Device.ManagementServer.URL"), daemon.pid(), "}\n"));
+        plain.add(program({PLAIN_PROGRAM}, daemon.pid()));
+        trctl.add(program({TRCTL_PROGRAM, "get", "Device."}, daemon.pid()));
     }
+    report("10,000 parameters: trctl get Device. / plain libdbus client, CPU",
+           fixed(trctl.cpu / plain.cpu, 2), both(trctl.cpu, plain.cpu));
     reportAtMost("10,000 parameters: CPU each / of 1,000", many.cpu / few.cpu / (kMany / kWatched),
                  1.1, both(many.cpu, few.cpu));
     const double above = static_cast<double>(many.peakKilobytes - one.peakKilobytes) * 1024;
