@@ -57,7 +57,7 @@ class DaemonTest : public ::testing::Test {
     void expectAnswers();
 
     /// Of every wait for the daemon.
-    std::chrono::seconds deadline_{30};
+    std::chrono::seconds deadline_ = box::kDeadline;
 
   private:
     std::unique_ptr<PrivateBus> bus_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Box.h"
+
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -46,8 +48,7 @@ class Child {
     bool isRunning();
     void send(int signal) const;
     /// Nothing when it still runs at the deadline.
-    std::optional<ExitStatus> waitForEnd(
-        std::chrono::milliseconds deadline = std::chrono::seconds(30));
+    std::optional<ExitStatus> waitForEnd(std::chrono::milliseconds deadline = box::kDeadline);
     /// What it has printed so far.
     std::string output() const;
     /// CPU time that it has used so far, in clock ticks; 0 when it has ended.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/Box.h"
 #include "tests/support/TrClient.h"
 
 #include <atomic>
@@ -9,8 +10,7 @@
 
 /// Waits until the daemon's first cycle is over, so that the tree is whole; false when it is not in
 /// time.
-bool waitForFirstCycle(TrClient& client,
-                       std::chrono::milliseconds deadline = std::chrono::seconds(30));
+bool waitForFirstCycle(TrClient& client, std::chrono::milliseconds deadline = box::kDeadline);
 
 /// A client that reads what it knows and, as one of the first four, writes a setting that no other
 /// one writes. One thread talks; the counts may be read from any.

@@ -37,7 +37,7 @@ class TrClient {
   public:
     static constexpr char kService[] = "com.kelm.stb.TR";
     static constexpr char kInterface[] = "com.kelm.stb.TR";
-    static constexpr int kTimeoutMilliseconds = 60'000;
+    static constexpr int kTimeoutMilliseconds = 180'000;
 
     struct CloseConnection {
         void operator()(DBusConnection* connection) const;

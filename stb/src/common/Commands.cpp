@@ -84,6 +84,8 @@ class Command {
         : group_(claimGroup()),
           pid_(group_ == nullptr || isEnding ? kFree : spawn(text.c_str(), output)) {
         if (group_ != nullptr) *group_ = pid_;
+        // killRunningCommands() may have looked before and waits for a slow start only so long.
+        if (isEnding && pid_ != kFree) kill(-pid_, SIGKILL);
     }
     ~Command() {
         if (pid_ == kFree) return;
