@@ -26,6 +26,38 @@ int rejectCall(const std::string& complaint, const std::string& command) {
     return kUsage;
 }
 
+std::vector<OptionShape> optionsOf(const CLI::App& app) {
+    std::vector<OptionShape> shapes;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames()) {
+            const bool isFlag = option->get_items_expected_max() == 0;
+            shapes.push_back({"--" + name, isFlag ? "" : option->get_type_name()});
+        }
+    return shapes;
+}
+
+CommandShape commandOf(const CLI::App& app) {
+    CommandShape shape{app.get_name(), optionsOf(app), {}};
+    for (const CLI::Option* option : app.get_options())
+        if (option->get_positional())
+            shape.arguments.push_back(
+                {option->get_single_name(), option->get_items_expected_max() > 1});
+    return shape;
+}
+
+Shape shapeOf(const CLI::App& app) {
+    Shape shape{optionsOf(app), {}};
+    for (const CLI::App* command : app.get_subcommands(nullptr))
+        shape.commands.push_back(commandOf(*command));
+    return shape;
+}
+
+UsageError usageErrorOf(const CLI::App& app, const CLI::ParseError& error) {
+    const auto commands = app.get_subcommands();
+    return {error.get_name(), error.what(), commands.empty() ? "" : commands.front()->get_name(),
+            app.remaining(true)};
+}
+
 // As --help prints it without a command or behind one; the app would print that of `help` itself.
 int printHelp(const CLI::App& app, const std::string& name) {
     const auto mode = CLI::AppFormatMode::Normal;
@@ -34,7 +66,7 @@ int printHelp(const CLI::App& app, const std::string& name) {
     const auto command = std::find_if(commands.begin(), commands.end(),
                                       [&](const CLI::App* one) { return one->get_name() == name; });
     if (command != commands.end()) return print((*command)->help(app.get_name()));
-    return rejectCall(unknownCommand(app, name), "");
+    return rejectCall(unknownCommand(shapeOf(app), name), "");
 }
 
 }  // namespace
@@ -64,10 +96,9 @@ std::optional<Options> parseOptions(int argc, const char* const* argv, int& stat
         status = print(app.help());
     } catch (const CLI::CallForVersion& version) {
         status = print(version.what() + std::string("\n"));
-    } catch (const CLI::ParseError& error) {
-        const auto commands = app.get_subcommands();
-        status = rejectCall(complaintOf(app, error),
-                            commands.empty() ? "" : commands.front()->get_name());
+    } catch (const CLI::ParseError& reason) {
+        const UsageError error = usageErrorOf(app, reason);
+        status = rejectCall(complaintOf(error, shapeOf(app)), error.command);
     }
     return std::nullopt;
 }

@@ -3,10 +3,6 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace trctl {
 
 /// The command line as data, read off the parser: what completion offers and where.
@@ -31,7 +27,4 @@ struct Shape {
     std::vector<OptionShape> options;  ///< those of every command
     std::vector<CommandShape> commands;
 };
-
-Shape shapeOf(const CLI::App& app);
-
 }  // namespace trctl

@@ -6,8 +6,6 @@
 #include "trctl/Pattern.h"
 #include "trctl/Rates.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 namespace trctl {
@@ -20,43 +18,36 @@ bool startsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
 }
 
-const CLI::App* commandOf(const CLI::App& app) {
-    const auto parsed = app.get_subcommands();
-    return parsed.empty() ? nullptr : parsed.front();
-}
-
-Words optionsOf(const CLI::App& app) {
+// Those of the command, then those of every one.
+Words optionsOf(const Shape& shape, const std::string& command) {
     Words names;
-    for (const CLI::App* holder : {commandOf(app), &app}) {
-        if (holder == nullptr) continue;
-        for (const CLI::Option* option : holder->get_options())
-            for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-    }
+    for (const CommandShape& one : shape.commands)
+        if (one.name == command)
+            for (const OptionShape& option : one.options) names.push_back(option.name);
+    for (const OptionShape& option : shape.options) names.push_back(option.name);
     return names;
 }
 
-std::string unknownOption(const CLI::App& app, const std::string& word) {
+std::string unknownOption(const Shape& shape, const std::string& command, const std::string& word) {
     const std::string name = word.substr(0, word.find('='));
     const std::string complaint = "there is no option `" + name + '`';
-    const std::string question = didYouMean(name, optionsOf(app));
-    const CLI::App* const command = commandOf(app);
-    if (!question.empty() || command == nullptr || command->get_name() != "set")
-        return complaint + question;
+    const std::string question = didYouMean(name, optionsOf(shape, command));
+    if (!question.empty() || command != "set") return complaint + question;
     return complaint + "; a value that begins with a dash stands behind --: trctl set PATH -- " +
            word;
 }
 
 // The first word that nothing took, if that is why parsing ended.
-std::string complaintOfRest(const CLI::App& app, const Words& rest) {
+std::string complaintOfRest(const UsageError& error, const Shape& shape) {
+    const Words& rest = error.rest;
     const auto option = std::find_if(rest.begin(), rest.end(), [](const std::string& word) {
         return word.size() > 1 && word.front() == '-';
     });
-    const CLI::App* const command = commandOf(app);
-    if (command == nullptr)
-        return startsWith(rest.front(), "-") ? unknownOption(app, rest.front())
-                                             : unknownCommand(app, rest.front());
-    if (option != rest.end()) return unknownOption(app, *option);
-    return '`' + command->get_name() + "` takes no further argument: `" + rest.front() + '`';
+    if (error.command.empty())
+        return startsWith(rest.front(), "-") ? unknownOption(shape, "", rest.front())
+                                             : unknownCommand(shape, rest.front());
+    if (option != rest.end()) return unknownOption(shape, error.command, *option);
+    return '`' + error.command + "` takes no further argument: `" + rest.front() + '`';
 }
 
 // What the library says ahead of \p end; empty when it says something else.
@@ -65,11 +56,40 @@ std::string ahead(const std::string& text, const std::string& end) {
     return at == std::string::npos ? "" : text.substr(0, at);
 }
 
+std::string lastWord(const std::string& text) {
+    return text.substr(text.rfind(' ') + 1);
+}
+
 std::string complaintOfMismatch(const std::string& text) {
     const std::string name = ahead(text, ":");
     return text.find("missing") == std::string::npos ? name + " is given more than once"
                                                      : name + " needs a value";
 }
+
+std::string complaintOfConversion(const std::string& text) {
+    return ahead(text.substr(text.find("--")), " = ") + " takes no value";
+}
+
+std::string complaintOfExclusion(const std::string& text) {
+    return ahead(text, " excludes ") + " and " + lastWord(text) + " do not go together";
+}
+
+std::string complaintOfRequirement(const std::string& text) {
+    return ahead(text, " requires ") + " needs " + lastWord(text);
+}
+
+struct Wording {
+    const char* kind;
+    std::string (*complaintOf)(const std::string& text);
+};
+
+constexpr Wording kWordings[] = {
+    {"ArgumentMismatch", complaintOfMismatch},
+    {"ConversionError", complaintOfConversion},
+    {"ExcludesError", complaintOfExclusion},
+    {"RequiresError", complaintOfRequirement},
+    {"ValidationError", [](const std::string& text) { return text; }},
+};
 
 const char* faultOfWatch(const Options& options) {
     const bool isSelective = options.noClocks || !options.except.empty();
@@ -102,30 +122,18 @@ std::string faultOf(const Options& options) {
     return options.command == "wait" ? faultOfWait(options) : "";
 }
 
-std::string unknownCommand(const CLI::App& app, const std::string& word) {
+std::string unknownCommand(const Shape& shape, const std::string& word) {
     Words names;
-    for (const CLI::App* command : app.get_subcommands(nullptr))
-        names.push_back(command->get_name());
+    for (const CommandShape& command : shape.commands) names.push_back(command.name);
     return "there is no command `" + word + '`' + didYouMean(word, names);
 }
 
-std::string complaintOf(const CLI::App& app, const CLI::ParseError& error) {
-    const std::string text = error.what();
-    const CLI::App* const command = commandOf(app);
-    const Words rest = app.remaining(true);
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
-        return complaintOfMismatch(text);
-    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)
-        return ahead(text.substr(text.find("--")), " = ") + " takes no value";
-    if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr)
-        return ahead(text, " excludes ") + " and " + text.substr(text.rfind(' ') + 1) +
-               " do not go together";
-    if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) return error.what();
-    if (dynamic_cast<const CLI::RequiresError*>(&error) != nullptr)
-        return ahead(text, " requires ") + " needs " + text.substr(text.rfind(' ') + 1);
-    if (!rest.empty()) return complaintOfRest(app, rest);
-    if (command == nullptr) return "a command is missing";
-    return '`' + command->get_name() + "` needs " + ahead(text, " is required");
+std::string complaintOf(const UsageError& error, const Shape& shape) {
+    for (const Wording& wording : kWordings)
+        if (error.kind == wording.kind) return wording.complaintOf(error.text);
+    if (!error.rest.empty()) return complaintOfRest(error, shape);
+    if (error.command.empty()) return "a command is missing";
+    return '`' + error.command + "` needs " + ahead(error.text, " is required");
 }
 
 }  // namespace trctl
