@@ -37,36 +37,26 @@ clean_up() {
     [[ ! $scratch ]] || rm -rf "$scratch"
 }
 
-# build_package BUILD_FOLDER VERSION: leaves it in `package`. The dates in it do not matter.
-build_package() {
-    local folder=$scratch/packages/$2
-    mkdir -p "$folder"
-    cpack --config "$1/CPackConfig.cmake" -B "$folder" -D CPACK_PACKAGE_VERSION="$2" >"$folder/log" 2>&1 || {
-        cat "$folder/log"
-        exit 1
-    }
-    rm -rf "$folder/_CPack_Packages"
-    package=$(echo "$folder"/*.deb)
-    "$repository/packaging/easycwmp/build-deb" "$2-1" "$folder"
+# packages_of BUILD_FOLDER: leaves in `packages` the folder in which pack puts a folder of packages for each version, and
+# in `package` the daemon's first one.
+packages_of() {
+    packages=$1/package-test
+    package=$(echo "$packages"/0.1.0/kelm-trd_*.deb)
 }
 
 # sandbox OPTION... COMMAND...: a command in the root, alone with itself. Its root is root and may become others.
 sandbox() {
     bwrap --bind "$root" / --dev /dev --proc /proc --ro-bind /proc/sys /proc/sys --tmpfs /sys --tmpfs /run \
-        --perms 1777 --tmpfs /tmp --ro-bind "$here" /mnt --ro-bind "$scratch/packages" /media --chdir / \
+        --perms 1777 --tmpfs /tmp --ro-bind "$here" /mnt --ro-bind "$packages" /media --chdir / \
         --unshare-pid --unshare-net --unshare-ipc --unshare-uts --unshare-cgroup --hostname stb --cap-add ALL \
         --die-with-parent --clearenv --setenv PATH /usr/sbin:/usr/bin:/sbin:/bin --setenv LC_ALL C.UTF-8 "$@"
 }
 
-# go_inside BUILD_FOLDER VERSION...: leaves the rest of the script to itself inside a fresh root, which has the packages
-# of these versions in /media.
+# go_inside BUILD_FOLDER: leaves the rest of the script to itself inside a fresh root, which has the packages in /media.
 go_inside() {
-    local version
     [[ $1 != --inside ]] || return 0
     fresh_root
-    for version in "${@:2}"; do
-        build_package "$1" "$version"
-    done
+    packages_of "$1"
     sandbox -- bash "/mnt/${0##*/}" --inside
     exit
 }
