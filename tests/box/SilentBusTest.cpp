@@ -30,7 +30,7 @@ class FallingSilent {
         : bus_(UnixSocket::connectedTo(bus)),
           listening_(UnixSocket::listeningAt(kSilentSocket)),
           word_(std::move(word)),
-          passing_([this] { pass(); }) {}
+          passing_([this] { pass(); }, std::chrono::milliseconds(1)) {}
 
   private:
     void pass() {

@@ -1,5 +1,6 @@
 #include "tests/support/Box.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -71,10 +72,15 @@ void setFault(const std::string& command, const std::string& fault) {
 }
 
 bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds deadline) {
-    const auto end = std::chrono::steady_clock::now() + deadline;
+    using Clock = std::chrono::steady_clock;
+    constexpr Clock::duration kShortest = std::chrono::milliseconds(1);
+    constexpr Clock::duration kLongest = std::chrono::milliseconds(100);
+    const auto start = Clock::now();
     while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        const auto waited = Clock::now() - start;
+        if (waited > deadline) return false;
+        // What lasts long is looked at less often: dozens of tests wait beside each other.
+        std::this_thread::sleep_for(std::clamp(waited / 8, kShortest, kLongest));
     }
     return true;
 }

@@ -129,7 +129,8 @@ Fault readOnlySettings() {
 
 Fault rewrittenNotificationFile() {
     const std::string content = box::readFile(box::kNotificationFile);
-    auto rewriting = std::make_shared<Repeating>(rewriteNotificationFile);
+    auto rewriting =
+        std::make_shared<Repeating>(rewriteNotificationFile, std::chrono::milliseconds(2));
     return until([content, rewriting]() mutable {
         rewriting.reset();
         box::writeFile(box::kNotificationFile, content);

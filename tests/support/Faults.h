@@ -46,7 +46,7 @@ void mountSettings();
 Fault fullSettings();
 Fault readOnlySettings();
 
-/// The real client removes its file and writes it again, line by line; here without a pause.
+/// The real client removes its file and writes it again, line by line; here again and again.
 Fault rewrittenNotificationFile();
 
 /// With this environment a switch of tests/shim acts on the daemon.

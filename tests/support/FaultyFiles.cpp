@@ -77,7 +77,7 @@ class SpoiledFile {
     SpoiledFile& operator=(const SpoiledFile&) = delete;
 
   private:
-    static constexpr std::chrono::microseconds kPause{500};
+    static constexpr std::chrono::microseconds kPause{3000};
 
     const std::string path_;
     const bool isBound_;
