@@ -139,6 +139,7 @@ endif()
 set_tests_properties(
   FaultTest.ACommandPrintsTenMegabytes
   FaultTest.AFileIsTenMegabytes
+  FaultTest.AFileIsASparseGibibyte
   FaultTest.ThereAreHundredsOfInterfaces
   FaultTest.AnInterruptAmidHundredsOfInterfaces
   PROPERTIES COST 200)
