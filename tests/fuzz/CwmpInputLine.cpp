@@ -1,18 +1,18 @@
 #include "tests/fuzz/Fuzz.h"
+#include "tests/support/TempFolder.h"
 #include "tests/unit/cwmp/Fakes.h"
 
 #include <cstdlib>
 #include <sstream>
 #include <string>
 
-#include <unistd.h>
-
 namespace {
 
 FakeLife& life() {
     static FakeLife& one = [&]() -> FakeLife& {
         setenv("KELM_LOG_LEVEL", "ERROR", 1);  // a line of the log for each bad one takes long
-        auto& made = *new FakeLife("/tmp/kelm-fuzz-rows-" + std::to_string(getpid()));
+        static const TempFolder folder;
+        auto& made = *new FakeLife(folder.path("rows"));
         made.daemon.entries = {{"Device.A.Host", {"a\x01", true, true}}, {"Device.B", {"5"}}};
         made.uci.options["@notifications[0].active"] = {"Device.A."};
         return made;

@@ -1,16 +1,14 @@
 #pragma once
 
+#include "tests/support/TempFolder.h"
 #include "trctl/Commands.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
-
-#include <unistd.h>
 
 namespace trctl {
 
@@ -96,15 +94,8 @@ class CommandsTest : public ::testing::Test {
         options_.assignments = {{parameter, value}};
         return run("set");
     }
-    /// The file of diff and restore; its name is this process's, since tests run side by side.
-    void save(const std::string& json) {
-        saved_ = testing::TempDir() + "trctl-" + std::to_string(getpid()) + ".json";
-        options_.file = saved_;
-        std::ofstream(options_.file) << json;
-    }
-    ~CommandsTest() override {
-        if (!saved_.empty()) unlink(saved_.c_str());
-    }
+    /// The file of diff and restore.
+    void save(const std::string& json) { options_.file = folder_.write("saved.json", json); }
     /// As many parameters as a large box has, beneath B.
     void fill() {
         for (int i = 0; i < 10'000; ++i)
@@ -117,7 +108,7 @@ class CommandsTest : public ::testing::Test {
     std::string errors_;
 
   private:
-    std::string saved_;
+    const TempFolder folder_;
 };
 
 }  // namespace trctl

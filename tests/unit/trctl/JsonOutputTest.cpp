@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <json-c/json.h>
 
-#include <fstream>
 #include <memory>
 #include <random>
 #include <string>
@@ -27,10 +26,6 @@ bool isJson(const std::string& text) {
 class JsonOutputTest : public CommandsTest {
   protected:
     JsonOutputTest() { options_.json = true; }
-    void save(const std::string& json) {
-        options_.file = testing::TempDir() + "trctl-shapes.json";
-        std::ofstream(options_.file) << json;
-    }
 };
 
 TEST_F(JsonOutputTest, AListIsAnArrayOfAddresses) {
