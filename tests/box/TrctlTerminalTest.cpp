@@ -125,7 +125,13 @@ TEST_F(TrctlTerminalTest, PlotDrawsAndRestoresTheTerminal) {
     trctl.type("\x03");
     ASSERT_TRUE(trctl.waitForEnd().has_value());
     EXPECT_EQ(*trctl.waitForEnd(), (ExitStatus{0, 0}));
-    EXPECT_EQ(trctl.screen().rfind(kLeave), trctl.screen().size() - kLeave.size());
+    const std::size_t left = trctl.screen().rfind(kLeave);
+    ASSERT_NE(left, std::string::npos);
+    // The thread sanitizer's _exit prints what stdout still holds, which may be the end of a frame.
+    if (kIsSanitized)
+        EXPECT_FALSE(has(trctl.screen().substr(left), kHome));
+    else
+        EXPECT_EQ(trctl.screen().substr(left), kLeave);
 }
 
 TEST_F(TrctlTerminalTest, PlotRestoresTheTerminalAndEndsByTheSignal) {
