@@ -82,10 +82,18 @@ TEST(UtilsCommandTest, RunningCommandsAreKilledWithAllThatTheyStarted) {
         int ends[2];
         if (pipe(ends) != 0) return;  // inherited: its end shows that everybody is gone
         const std::string hold = " >&" + std::to_string(ends[1]) + " & ";
-        std::thread first([&] { getCmdOutput("echo x" + hold + "sleep 1000" + hold + "wait"); });
-        std::thread second([&] { runCommand("echo x" + hold + "sleep 1000" + hold + "wait"); });
+        const std::string command = "echo x" + hold + "sleep 1000" + hold + "wait";
         char x = 0;
-        for (int i = 0; i < 4; ++i) i += read(ends[0], &x, 1) == 1 ? 1 : 0;
+        const auto awaitLine = [&] {
+            while (read(ends[0], &x, 1) == 1 && x != '\n') {
+            }
+        };
+        // One after the other: a fork of an emulated program copies the emulator's locks as another
+        // thread holds them.
+        std::thread first([&] { getCmdOutput(command); });
+        awaitLine();
+        std::thread second([&] { runCommand(command); });
+        awaitLine();
         killRunningCommands();
         first.join();
         second.join();
