@@ -38,8 +38,8 @@ void writeNotificationFile(const std::vector<std::string>& parameters);
 /// "line", "noeol", "slow 3", "hang", "closeearly", "background". An empty fault ends that.
 void setFault(const std::string& command, const std::string& fault);
 
-/// Of every wait that has no deadline of its own: a virtual machine was seen to stand still for
-/// more than a minute.
+/// The deadline of a wait that names none: a virtual machine was seen to stand still for more than
+/// a minute.
 constexpr std::chrono::seconds kDeadline{180};
 
 /// Looks again and again until the condition holds; false when it did not within the deadline.
